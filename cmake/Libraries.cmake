@@ -1,0 +1,16 @@
+# Every library that is not ours, found in one place. docs/architecture.md says why each was chosen.
+find_package(Threads REQUIRED)
+find_package(PkgConfig REQUIRED)
+find_package(Qt6 REQUIRED COMPONENTS Core)
+find_package(OpenSSL REQUIRED)
+find_package(simdjson REQUIRED)
+find_package(RapidJSON REQUIRED)
+find_package(pugixml REQUIRED)
+pkg_check_modules(MONGOC REQUIRED IMPORTED_TARGET libmongoc-1.0)
+if(HOLLOWMERE_TESTS)
+  find_package(GTest REQUIRED)
+endif()
+
+# RapidJSON is headers only; its package config names folders, not a target.
+add_library(hm_rapidjson INTERFACE)
+target_include_directories(hm_rapidjson SYSTEM INTERFACE ${RAPIDJSON_INCLUDE_DIRS})
