@@ -1,0 +1,45 @@
+#include "json/encoding.h"
+
+#include <QByteArray>
+#include <chrono>
+#include <cstdio>
+
+namespace hollowmere {
+
+std::string toBase64(std::string_view bytes) {
+  return QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size())).toBase64().toStdString();
+}
+
+std::optional<std::string> fromBase64(std::string_view text) {
+  QByteArray compact;
+  compact.reserve(static_cast<qsizetype>(text.size()));
+  for (const char c : text)
+    if (c != ' ' && c != '\t' && c != '\r' && c != '\n') compact += c;
+  // The decoder lets a missing end pass.
+  if (compact.size() % 4 != 0) return std::nullopt;
+  const auto decoded = QByteArray::fromBase64Encoding(compact, QByteArray::AbortOnBase64DecodingErrors);
+  if (!decoded) return std::nullopt;
+  return decoded.decoded.toStdString();
+}
+
+std::string toIsoText(std::int64_t millisecondsUtc) {
+  using namespace std::chrono;
+  const sys_time<milliseconds> moment{milliseconds(millisecondsUtc)};
+  const auto day = floor<days>(moment);
+  // Beyond the calendar type's years a date has no usual text at all.
+  constexpr auto limit = sys_days{year(32767) / 1 / 1};
+  constexpr auto lowest = sys_days{year(-32766) / 1 / 1};
+  if (day >= limit || day < lowest) return std::to_string(millisecondsUtc);
+  const year_month_day date{day};
+  const hh_mm_ss time{moment - day};
+  const int years = static_cast<int>(date.year());
+  char text[48];
+  std::snprintf(text, sizeof text, years >= 0 && years <= 9999 ? "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ"
+                                                               : "%+06d-%02u-%02uT%02d:%02d:%02d.%03dZ",
+                years, static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+                static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
+                static_cast<int>(time.seconds().count()), static_cast<int>(time.subseconds().count()));
+  return text;
+}
+
+}  // namespace hollowmere
