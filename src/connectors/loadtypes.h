@@ -1,0 +1,61 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "json/value.h"
+
+namespace hollowmere {
+
+/// One named query of a project. The definition is the store's query object, or plain text for a store
+/// whose sources are files.
+struct TDataSource {
+  std::string name;
+  TValue definition;
+  std::int64_t count = 0;  ///< rows, or bytes where the store counts bytes; 0 when not counted
+
+  bool operator==(const TDataSource&) const = default;
+};
+
+/// One named place that receives documents.
+struct TDataTarget {
+  std::string name;
+  std::string target;   ///< the store's object: collection, table, bucket, file
+  std::string saslPwd;  ///< password of the object itself, where a store has such
+
+  bool operator==(const TDataTarget&) const = default;
+};
+
+/// One node of the mapping tree. At the top level source and target name a data source and a data target.
+struct TMapNode {
+  std::string target;
+  std::string source;
+  std::string targetType = "String";
+  std::vector<TMapNode> children;
+
+  bool operator==(const TMapNode&) const = default;
+};
+
+/// The part of a root data source that one thread reads: thread number of degree, and the rows from start
+/// when they are known. A plain value, so that several machines can each run some of the shares.
+struct TShare {
+  int number = 1;  ///< from 1
+  int degree = 1;
+  std::int64_t start = 0;            ///< rows to pass over, from 0
+  std::optional<std::int64_t> rows;  ///< rows to read; nothing: to the end
+};
+
+/// Tells work in another thread to end soon. Set once, never cleared.
+class TStopFlag {
+ public:
+  void set() { stop_.store(true, std::memory_order_relaxed); }
+  [[nodiscard]] bool isSet() const { return stop_.load(std::memory_order_relaxed); }
+
+ private:
+  std::atomic<bool> stop_ = false;
+};
+
+}  // namespace hollowmere
