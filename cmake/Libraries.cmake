@@ -2,7 +2,7 @@
 find_package(Threads REQUIRED)
 find_package(PkgConfig REQUIRED)
 find_package(Qt6 REQUIRED COMPONENTS Core)
-find_package(OpenSSL REQUIRED)
+pkg_check_modules(NETTLE REQUIRED IMPORTED_TARGET nettle)
 find_package(simdjson REQUIRED)
 find_package(RapidJSON REQUIRED)
 find_package(pugixml REQUIRED)

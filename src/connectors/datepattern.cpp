@@ -86,25 +86,16 @@ TDatePattern::TDatePattern(const QString& format, const QLocale& locale) {
 
 TDatePattern::TField TDatePattern::fieldOf(QChar letter, int length) {
   switch (letter.unicode()) {
-    case u'd':
-      return length <= 2 ? TField::Day : TField::Unsupported;
-    case u'M':
-      return length <= 2 ? TField::Month : TField::MonthName;
-    case u'y':
-      return length == 2 || length == 4 ? TField::Year : TField::Unsupported;
-    case u'H':
-      return TField::Hour;
-    case u'h':
-      return TField::Hour12;
-    case u'm':
-      return TField::Minute;
-    case u's':
-      return TField::Second;
+    case u'd': return length <= 2 ? TField::Day : TField::Unsupported;
+    case u'M': return length <= 2 ? TField::Month : TField::MonthName;
+    case u'y': return length == 2 || length == 4 ? TField::Year : TField::Unsupported;
+    case u'H': return TField::Hour;
+    case u'h': return TField::Hour12;
+    case u'm': return TField::Minute;
+    case u's': return TField::Second;
     case u'A':
-    case u'a':
-      return TField::HalfDay;
-    default:
-      return TField::Literal;
+    case u'a': return TField::HalfDay;
+    default: return TField::Literal;
   }
 }
 
@@ -208,31 +199,21 @@ bool TDatePattern::readToken(const TToken& token, std::string_view& text, TDateP
                              bool& pm) const {
   const int least = token.width >= 2 ? 2 : 1;
   switch (token.field) {
-    case TField::Literal:
-      return readLiteral(text, token.text, token.blankOptional);
-    case TField::Day:
-      return readInto(text, 1, parts.day);
-    case TField::Month:
-      return readInto(text, 1, parts.month);
-    case TField::MonthName:
-      return (parts.month = readName(text, monthNames_) + 1) > 0;
-    case TField::Year:
-      return readYear(text, parts.year, thisYear);
-    case TField::Hour:
-      return readInto(text, 1, parts.hour);
-    case TField::Hour12:
-      return readInto(text, 1, parts.hour) && parts.hour >= 1 && parts.hour <= 12;
-    case TField::Minute:
-      return readInto(text, least, parts.minute);
-    case TField::Second:
-      return readInto(text, least, parts.second) && readFraction(text, parts.millisecond);
+    case TField::Literal: return readLiteral(text, token.text, token.blankOptional);
+    case TField::Day: return readInto(text, 1, parts.day);
+    case TField::Month: return readInto(text, 1, parts.month);
+    case TField::MonthName: return (parts.month = readName(text, monthNames_) + 1) > 0;
+    case TField::Year: return readYear(text, parts.year, thisYear);
+    case TField::Hour: return readInto(text, 1, parts.hour);
+    case TField::Hour12: return readInto(text, 1, parts.hour) && parts.hour >= 1 && parts.hour <= 12;
+    case TField::Minute: return readInto(text, least, parts.minute);
+    case TField::Second: return readInto(text, least, parts.second) && readFraction(text, parts.millisecond);
     case TField::HalfDay: {
       const int half = readName(text, halfDays_);
       pm = half == 1;
       return half >= 0;
     }
-    case TField::Unsupported:
-      break;
+    case TField::Unsupported: break;
   }
   return false;
 }
@@ -253,39 +234,20 @@ void TDatePattern::write(std::string& out, const TDateParts& parts) const {
   for (const TToken& token : tokens_) {
     const int width = std::min(token.width, 2);
     switch (token.field) {
-      case TField::Literal:
-        out += token.text;
-        break;
-      case TField::Day:
-        appendPadded(out, parts.day, width);
-        break;
-      case TField::Month:
-        appendPadded(out, parts.month, width);
-        break;
-      case TField::MonthName:
-        out += monthNames_[static_cast<std::size_t>(parts.month - 1)].front();
-        break;
-      case TField::Year:
-        appendYear(out, parts.year);
-        break;
-      case TField::Hour:
-        appendPadded(out, parts.hour, width);
-        break;
-      case TField::Hour12:
-        appendPadded(out, (parts.hour + 11) % 12 + 1, width);
-        break;
-      case TField::Minute:
-        appendPadded(out, parts.minute, width);
-        break;
+      case TField::Literal: out += token.text; break;
+      case TField::Day: appendPadded(out, parts.day, width); break;
+      case TField::Month: appendPadded(out, parts.month, width); break;
+      case TField::MonthName: out += monthNames_[static_cast<std::size_t>(parts.month - 1)].front(); break;
+      case TField::Year: appendYear(out, parts.year); break;
+      case TField::Hour: appendPadded(out, parts.hour, width); break;
+      case TField::Hour12: appendPadded(out, (parts.hour + 11) % 12 + 1, width); break;
+      case TField::Minute: appendPadded(out, parts.minute, width); break;
       case TField::Second:
         appendPadded(out, parts.second, width);
         if (parts.millisecond != 0) appendPadded(out += '.', parts.millisecond, 3);
         break;
-      case TField::HalfDay:
-        out += halfDays_[parts.hour >= 12 ? 1 : 0].front();
-        break;
-      case TField::Unsupported:
-        break;
+      case TField::HalfDay: out += halfDays_[parts.hour >= 12 ? 1 : 0].front(); break;
+      case TField::Unsupported: break;
     }
   }
 }

@@ -16,12 +16,12 @@ namespace hollowmere {
 
 /// What a connection needs to know. Copied by the store; stop, when given, outlives the connection.
 struct TStoreOptions {
-  TValue connection;               ///< the connection record, or a file name as text
-  std::int64_t fetchLimit = 100;   ///< rows asked for at a time
-  std::int64_t bulkSize = 0;       ///< documents written at a time; 0 and 1: one by one
+  TValue connection;                  ///< the connection record, or a file name as text
+  std::int64_t fetchLimit = 100;      ///< rows asked for at a time
+  std::int64_t bulkSize = 0;          ///< documents written at a time; 0 and 1: one by one
   std::size_t bufferBytes = 1000000;  ///< read buffer of files
-  bool ignoreNulls = true;         ///< leave null columns out of rows
-  const TStopFlag* stop = nullptr;  ///< waiting for the store ends soon after this is set
+  bool ignoreNulls = true;            ///< leave null columns out of rows
+  const TStopFlag* stop = nullptr;    ///< waiting for the store ends soon after this is set
 };
 
 /// Takes the rows of a nested query one by one; false means that no more are wanted.
@@ -40,6 +40,8 @@ class TSourceReader {
   virtual std::optional<TObject> next() = 0;
   /// The text of the row that next() read last, whole, also when it threw Read. Made on demand.
   virtual std::string rowText() = 0;
+  /// Bytes read so far of the root source, for a store that counts bytes; nothing: rows count.
+  [[nodiscard]] virtual std::optional<std::int64_t> position() const { return std::nullopt; }
   /// Runs a query whose parameters are bound from the parent row (its fields as they were read) and hands
   /// over its rows. Throws TStoreError (Read): the parent row is lost.
   virtual void nested(const TDataSource& source, const TObject& parent, const TRowSink& row) = 0;
@@ -69,16 +71,17 @@ class TTargetWriter {
   virtual void flush(TOutcomeSink& sink) = 0;
 };
 
-/// Two documents that a run control must know about a store.
+/// A field that every document for a store must have.
 struct TRequiredField {
   std::string name;     ///< compared without regard to letter case
   std::string message;  ///< shown with the data target's name behind it when the field is not mapped
 };
 
+/// What the run control must know of a store.
 struct TStoreTraits {
-  bool parallel = true;          ///< more than one thread may use it
-  bool countsBytes = false;      ///< a data source's count is bytes, not rows
-  bool connectionIsText = false;  ///< the connection value is a file name, not a record
+  bool parallel = true;                         ///< more than one thread may use it
+  bool countsBytes = false;                     ///< a data source's count is bytes, not rows
+  bool connectionIsText = false;                ///< the connection value is a file name, not a record
   std::optional<TRequiredField> requiredField;  ///< as a target
 };
 

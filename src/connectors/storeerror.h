@@ -19,7 +19,9 @@ enum class TStoreErrorKind {
 class TStoreError : public std::runtime_error {
  public:
   TStoreError(TStoreErrorKind kind, const std::string& text, const std::string& detail = {})
-      : std::runtime_error(detail.empty() ? text : text.empty() ? detail : text + " " + detail),
+      : std::runtime_error(detail.empty() ? text
+                           : text.empty() ? detail
+                                          : text + " " + detail),
         kind_(kind),
         text_(text),
         detail_(detail) {}

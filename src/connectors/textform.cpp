@@ -22,26 +22,17 @@ std::string FormatNumber(double number) {
 
 std::string textForm(const TValue& value) {
   switch (value.kind()) {
-    case TKind::Null:
-      return {};
-    case TKind::Boolean:
-      return value.asBool() ? "true" : "false";
-    case TKind::Int:
-      return std::to_string(value.asInt());
-    case TKind::Double:
-      return FormatNumber(value.asDouble());
+    case TKind::Null: return {};
+    case TKind::Boolean: return value.asBool() ? "true" : "false";
+    case TKind::Int: return std::to_string(value.asInt());
+    case TKind::Double: return FormatNumber(value.asDouble());
     case TKind::Text:
-    case TKind::Decimal:
-      return value.asText();
-    case TKind::DateTime:
-      return toIsoText(value.asMilliseconds());
-    case TKind::Binary:
-      return std::string(binaryMarker) + toBase64(value.asText());
-    case TKind::ObjectId:
-      return toHex(value.asObjectId());
+    case TKind::Decimal: return value.asText();
+    case TKind::DateTime: return toIsoText(value.asMilliseconds());
+    case TKind::Binary: return std::string(binaryMarker) + toBase64(value.asText());
+    case TKind::ObjectId: return toHex(value.asObjectId());
     case TKind::List:
-    case TKind::Object:
-      break;
+    case TKind::Object: break;
   }
   return toJson(value);
 }

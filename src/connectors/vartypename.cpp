@@ -22,24 +22,17 @@ std::string_view VarTypeName(int code) {
 
 std::string_view VarTypeName(const TValue& value) {
   switch (value.kind()) {
-    case TKind::Null:
-      return "varNull";
-    case TKind::Boolean:
-      return "varBoolean";
-    case TKind::Int:
-      return std::in_range<std::int32_t>(value.asInt()) ? "varInteger" : "varInt64";
-    case TKind::Double:
-      return "varDouble";
-    case TKind::DateTime:
-      return "varDate";
+    case TKind::Null: return "varNull";
+    case TKind::Boolean: return "varBoolean";
+    case TKind::Int: return std::in_range<std::int32_t>(value.asInt()) ? "varInteger" : "varInt64";
+    case TKind::Double: return "varDouble";
+    case TKind::DateTime: return "varDate";
     case TKind::List:
-    case TKind::Object:
-      return "varUnknown";
+    case TKind::Object: return "varUnknown";
     case TKind::Text:
     case TKind::Binary:
     case TKind::ObjectId:
-    case TKind::Decimal:
-      break;
+    case TKind::Decimal: break;
   }
   return "varString";
 }

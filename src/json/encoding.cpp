@@ -34,8 +34,9 @@ std::string toIsoText(std::int64_t millisecondsUtc) {
   const hh_mm_ss time{moment - day};
   const int years = static_cast<int>(date.year());
   char text[48];
-  std::snprintf(text, sizeof text, years >= 0 && years <= 9999 ? "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ"
-                                                               : "%+06d-%02u-%02uT%02d:%02d:%02d.%03dZ",
+  std::snprintf(text, sizeof text,
+                years >= 0 && years <= 9999 ? "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ"
+                                            : "%+06d-%02u-%02uT%02d:%02d:%02d.%03dZ",
                 years, static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
                 static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
                 static_cast<int>(time.seconds().count()), static_cast<int>(time.subseconds().count()));

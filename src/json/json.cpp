@@ -142,7 +142,8 @@ TValue TJsonReader::read(std::string_view text) {
     auto document = need(parser_->parser.iterate(padded.data(), text.size(), padded.size()));
     TValue value;
     TBuilder(parser_->depthLimit).build(value, document, 0);
-    if (document.current_location().error() != simdjson::OUT_OF_BOUNDS) throw TRefused{"more text behind the value"};
+    if (document.current_location().error() != simdjson::OUT_OF_BOUNDS)
+      throw TRefused{"more text behind the value"};
     return value;
   } catch (const TRefused& refused) {
     throwJsonFault(text, parser_->depthLimit, refused.reason);

@@ -182,8 +182,7 @@ bool TValue::operator==(const TValue& other) const {
     case TKind::Boolean: return bool_ == other.bool_;
     case TKind::Int:
     case TKind::DateTime: return int_ == other.int_;
-    case TKind::Double:
-      return double_ == other.double_ || (std::isnan(double_) && std::isnan(other.double_));
+    case TKind::Double: return double_ == other.double_ || (std::isnan(double_) && std::isnan(other.double_));
     case TKind::ObjectId: return objectId_ == other.objectId_;
     case TKind::Binary: return subtype_ == other.subtype_ && text_ == other.text_;
     case TKind::Text:
@@ -202,9 +201,7 @@ const TValue* TObject::find(std::string_view name) const {
   return nullptr;
 }
 
-TValue* TObject::find(std::string_view name) {
-  return const_cast<TValue*>(std::as_const(*this).find(name));
-}
+TValue* TObject::find(std::string_view name) { return const_cast<TValue*>(std::as_const(*this).find(name)); }
 
 const TMember* TObject::findIgnoringCase(std::string_view name) const {
   for (const TMember& member : members_)

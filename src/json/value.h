@@ -105,7 +105,9 @@ class TValue {
   TValue(TValue&& other) noexcept;
   TValue& operator=(const TValue& other);
   TValue& operator=(TValue&& other) noexcept;
-  ~TValue() { if (kind_ >= TKind::Text) destroy(); }
+  ~TValue() {
+    if (kind_ >= TKind::Text) destroy();
+  }
 
   static TValue dateTime(std::int64_t millisecondsUtc);
   static TValue binary(std::string bytes, std::uint8_t subtype = 0);

@@ -1,0 +1,13 @@
+#include "app/stores.h"
+
+#include "connectors/jsonfile/jsonfileconnector.h"
+#include "connectors/mongodb/mongoconnector.h"
+
+namespace hollowmere {
+
+void addStores(TStoreRegistry& stores) {
+  stores.add(makeMongoConnector());
+  stores.add(makeJsonFileConnector());
+}
+
+}  // namespace hollowmere

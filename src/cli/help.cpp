@@ -1,0 +1,73 @@
+#include "cli/help.h"
+
+#include <map>
+
+namespace hollowmere {
+
+namespace {
+
+constexpr char programHelp[] =
+    R"(hollowmere-cli moves data between databases and JSON files by load projects.
+
+  hollowmere-cli run PROJECT      run the load
+  hollowmere-cli check PROJECT    all checks before a load, both connections included; loads nothing
+  hollowmere-cli preview PROJECT  print the first documents; writes nothing to the target
+  hollowmere-cli show PROJECT     print the project's document
+  hollowmere-cli seal FILE PROJECT   make a project file of a project's document
+  hollowmere-cli new              print the document of a new project
+  hollowmere-cli COMMAND --help   more about one command
+  hollowmere-cli --version
+
+Data goes to standard output, messages to standard error. Exit codes: 0 done, 1 refused or failed,
+2 wrong command line, 130 stopped by a signal (the totals are still written).
+HOLLOWMERE_DATA moves the data folder, HOLLOWMERE_SETTINGS the settings file.
+)";
+
+const std::map<std::string, std::string>& commandHelp() {
+  static const std::map<std::string, std::string> texts{
+      {"run", R"(hollowmere-cli run [--set KEY=VALUE]... [--json] [--quiet] PROJECT
+
+Runs the load of a project file. The log and discard files are those that the project names.
+  --set KEY=VALUE  another value for a general setting of the project, such as vgGeneralBulkInsert=1000;
+                   vgGeneralSourceConn and vgGeneralTargetConn only where they are file names
+  --json           one last line of JSON on standard output: loaded, discarded, skipped, processed,
+                   seconds, mappings
+  --quiet          no progress and no totals on standard error
+The first Ctrl-C stops the load and still writes the totals, the second ends at once. The exit code is 0
+after a run to its end, whatever was discarded or skipped.
+)"},
+      {"check", R"(hollowmere-cli check [--set KEY=VALUE]... PROJECT
+
+Makes every check of a load's start: log and discard file, types, both connections, lists, mapping.
+Loads nothing. The exit code is 0 when the load could start.
+)"},
+      {"preview", R"(hollowmere-cli preview [-n COUNT] [--set KEY=VALUE]... PROJECT
+
+Reads the first COUNT rows (10) of each root mapping, assembles them, and prints the documents, one a line.
+Rows that cannot be read or assembled are named on standard error. Connects to the source only.
+)"},
+      {"show", R"(hollowmere-cli show [--secrets] PROJECT
+
+Prints the document of a project file as JSON text. Passwords are shown as ******** unless --secrets is
+given; seal refuses a document with such passwords.
+)"},
+      {"seal", R"(hollowmere-cli seal FILE PROJECT
+
+Reads a project's document as JSON text from FILE ("-": standard input) and writes the project file.
+What is no project is refused, naming the member; an existing project file is then left as it was.
+)"},
+      {"new", R"(hollowmere-cli new
+
+Prints the document of a new project with the defaults of the settings.
+)"}};
+  return texts;
+}
+
+}  // namespace
+
+std::string helpText(const std::string& command) {
+  const auto found = commandHelp().find(command);
+  return found == commandHelp().end() ? programHelp : found->second;
+}
+
+}  // namespace hollowmere

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "connectors/storeregistry.h"
+#include "project/projectmodel.h"
+
+namespace hollowmere {
+
+/// The store options of a project's two sides.
+TStoreOptions sourceOptions(const TProject& project, std::size_t bufferBytes);
+TStoreOptions targetOptions(const TProject& project, std::size_t bufferBytes);
+
+/// Everything that is checked before a load starts, in the order in which users see it: types,
+/// connections (both are opened once; nothing is changed), lists, mapping. Gives the message of the first
+/// failure, empty when the load may start. background runs a call that may wait for a server.
+std::string checkProject(const TProject& project, const TStoreRegistry& stores, std::size_t bufferBytes,
+                         const TStopFlag* stop,
+                         const std::function<void(const std::function<void()>&)>& background);
+
+/// The part of it that needs no connection: the mapping against the lists.
+std::string checkMapping(const TProject& project, const TStoreConnector& source, const TStoreConnector& target);
+
+}  // namespace hollowmere
