@@ -2,17 +2,8 @@
 
 #include <chrono>
 #include <exception>
-#include <thread>
 
 namespace hollowmere {
-
-namespace {
-
-unsigned long currentThread() {
-  return static_cast<unsigned long>(std::hash<std::thread::id>{}(std::this_thread::get_id()));
-}
-
-}  // namespace
 
 struct TCallQueue::TCall {
   const std::function<void()>& function;
@@ -20,10 +11,10 @@ struct TCallQueue::TCall {
   std::exception_ptr error;
 };
 
-TCallQueue::TCallQueue() : mainThread_(currentThread()) {}
+TCallQueue::TCallQueue() : mainThread_(std::this_thread::get_id()) {}
 
 void TCallQueue::run(const std::function<void()>& call) {
-  if (currentThread() == mainThread_) return call();
+  if (std::this_thread::get_id() == mainThread_) return call();
   TCall waiting{call, false, nullptr};
   std::unique_lock lock(mutex_);
   calls_.push_back(&waiting);

@@ -3,6 +3,7 @@
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <thread>
 
 #include "settings/mainthread.h"
 
@@ -27,7 +28,7 @@ class TCallQueue : public TMainThread {
   std::condition_variable came_;
   std::condition_variable done_;
   std::deque<TCall*> calls_;
-  unsigned long mainThread_;
+  std::thread::id mainThread_;
 };
 
 }  // namespace hollowmere
