@@ -169,7 +169,8 @@ bool sendSpoilt(const TFault& fault, TConnection& connection, std::string frame)
       frame.assign(64, '\xa5');
       break;
     case TFault::TKind::garbageBody:
-      std::fill(frame.begin() + static_cast<std::ptrdiff_t>(replyBodyOffset(frame)), frame.end(), '\xa5');
+      std::fill(frame.begin() + static_cast<std::ptrdiff_t>(replyBodyOffset(frame) + 4), frame.end() - 1,
+                '\xa5');
       break;
     default:
       break;

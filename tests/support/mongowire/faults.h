@@ -32,7 +32,7 @@ struct TFault {
     wrongLength,      ///< carried out; the answer's header claims `number` bytes
     wrongResponse,    ///< carried out; the answer names another request
     garbageFrame,     ///< carried out; bytes that are no frame
-    garbageBody,      ///< carried out; a sound frame whose document is no BSON
+    garbageBody,      ///< carried out; a sound frame with garbage between its document's length and end
   };
   TKind kind = TKind::close;
   std::chrono::milliseconds pause{0};
@@ -63,6 +63,8 @@ TFault halfThenSilence();
 TFault wrongLength(std::int32_t claimed);
 TFault wrongResponse();
 TFault garbageFrame();
+/// libmongoc 1.23 takes it for success with a count of 0; the document's length is left alone, for a wrong
+/// one makes that library read past its buffer.
 TFault garbageBody();
 }  // namespace fault
 

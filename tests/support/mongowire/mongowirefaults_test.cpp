@@ -95,7 +95,6 @@ TEST_F(MongoFaults, BrokenAnswersFailTheCommandAndTheNextOneWorks) {
       {"huge length", fault::wrongLength(0x7fffffff), false},
       {"a little too long", fault::wrongLength(100), true},
       {"garbage frame", fault::garbageFrame(), false},
-      {"garbage body", fault::garbageBody(), false},
   };
   for (const TBrokenAnswer& broken : cases) {
     SCOPED_TRACE(broken.name);
@@ -110,6 +109,17 @@ TEST_F(MongoFaults, BrokenAnswersFailTheCommandAndTheNextOneWorks) {
     EXPECT_TRUE(driver.insertOne("{}").ok);
   }
   EXPECT_EQ(server.server().violations(), 0u);
+}
+
+TEST_F(MongoFaults, AGarbageBodyCountsNothingAsInserted) {
+  // libmongoc 1.23 finds no "ok" in it and takes that for success: only the count tells.
+  faults().onCommand("insert", 1, fault::garbageBody());
+  TDriverClient driver = client();
+  const auto answer = driver.bulk(numberedRows(0, 5), false);
+  EXPECT_TRUE(answer.ok);
+  const TBsonView reply = answer.reply.view();
+  EXPECT_EQ(integerField(reply.get(), "nInserted", -1), 0) << answer.reply.json();
+  EXPECT_EQ(server.documents("shop", "rows").size(), 5u);
 }
 
 TEST_F(MongoFaults, AnAnswerToAnotherRequestNamesIt) {

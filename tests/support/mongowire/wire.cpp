@@ -70,16 +70,17 @@ class TReader {
 };
 
 /// libbson's own validation lets broken UTF-8 in string values pass, up to version 1.23 at least.
-bool textsAreUtf8(bson_iter_t at) {
+bool textsAreUtf8(const bson_t* document) {
+  bson_iter_t at;
+  if (!bson_iter_init(&at, document)) return true;
   while (bson_iter_next(&at)) {
     const char* key = bson_iter_key(&at);
     if (!bson_utf8_validate(key, std::strlen(key), false)) return false;
     std::uint32_t length = 0;
     const char* text = BSON_ITER_HOLDS_UTF8(&at) ? bson_iter_utf8(&at, &length) : nullptr;
     if (text && !bson_utf8_validate(text, length, true)) return false;
-    bson_iter_t inside;
-    const bool nested = BSON_ITER_HOLDS_DOCUMENT(&at) || BSON_ITER_HOLDS_ARRAY(&at);
-    if (nested && bson_iter_recurse(&at, &inside) && !textsAreUtf8(inside)) return false;
+    const std::string_view nested = nestedBytes(at);
+    if (!nested.empty() && !textsAreUtf8(TBsonView(nested).get())) return false;
   }
   return true;
 }
@@ -89,9 +90,7 @@ void validateDocument(std::string_view bytes, const char* what) {
   std::size_t offset = 0;
   if (!bson_validate(view.get(), BSON_VALIDATE_NONE, &offset))
     violated(std::string(what) + " is not valid BSON at byte " + std::to_string(offset));
-  bson_iter_t at;
-  if (bson_iter_init(&at, view.get()) && !textsAreUtf8(at))
-    violated(std::string(what) + " is not valid UTF-8");
+  if (!textsAreUtf8(view.get())) violated(std::string(what) + " is not valid UTF-8");
 }
 
 TSequence readSequence(TReader& message, bool validateBson) {
