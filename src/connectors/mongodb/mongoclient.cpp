@@ -92,9 +92,4 @@ std::string mongoErrorText(std::uint32_t code, const std::string& message) {
 
 std::string mongoErrorText(const bson_error_t& error) { return mongoErrorText(error.code, error.message); }
 
-bool isConnectionFault(const bson_error_t& error) {
-  return error.domain == MONGOC_ERROR_STREAM || error.domain == MONGOC_ERROR_SERVER_SELECTION ||
-         error.domain == MONGOC_ERROR_PROTOCOL || error.domain == MONGOC_ERROR_CLIENT;
-}
-
 }  // namespace hollowmere

@@ -11,6 +11,8 @@ namespace {
 /// What a server takes in one document; the driver gives up a whole batch for one that is larger.
 constexpr std::uint32_t largestDocument = 16 * 1024 * 1024;
 
+constexpr char notConfirmed[] = "The server did not confirm the document.";
+
 struct TRefusal {
   std::size_t index = 0;
   std::uint32_t code = 0;
@@ -87,11 +89,15 @@ bool TMongoWriter::encode(const TObject& document, TOutcomeSink& sink) {
 }
 
 void TMongoWriter::insertOne(const TObject& document, TOutcomeSink& sink) {
+  bson_t reply;
   bson_error_t error{};
-  if (mongoc_collection_insert_one(collection_.get(), scratch_.get(), nullptr, nullptr, &error))
+  if (!mongoc_collection_insert_one(collection_.get(), scratch_.get(), nullptr, &reply, &error))
+    sink.refused(toJson(document), mongoErrorText(error));
+  else if (numberMember(reply, "insertedCount") == 1)
     sink.stored(1);
   else
-    sink.refused(toJson(document), mongoErrorText(error));
+    sink.refused(toJson(document), notConfirmed);
+  bson_destroy(&reply);
 }
 
 void TMongoWriter::addToBatch(TObject&& document, TOutcomeSink& sink) {
@@ -114,29 +120,29 @@ void TMongoWriter::flush(TOutcomeSink& sink) {
   if (batch_.empty()) return;
   bson_t reply;
   bson_error_t error{};
-  const bool done = mongoc_bulk_operation_execute(bulk_.get(), &reply, &error) != 0;
+  mongoc_bulk_operation_execute(bulk_.get(), &reply, &error);
   // A bulk operation serves once.
   bulk_.reset();
-  report(done, reply, error, sink);
+  report(reply, error, sink);
   bson_destroy(&reply);
   batch_.clear();
 }
 
-/// Large batches go to the server in pieces. When one of them fails as a whole, what the pieces before it
-/// said still holds; the rest was not confirmed and is refused.
-void TMongoWriter::report(bool done, const bson_t& reply, const bson_error_t& error, TOutcomeSink& sink) {
+/// What the server's counts do not cover was not confirmed: a piece of a large batch may have failed as a
+/// whole, or an answer may have said nothing. Such documents are refused.
+void TMongoWriter::report(const bson_t& reply, const bson_error_t& error, TOutcomeSink& sink) {
   const std::vector<TRefusal> refusals = readRefusals(reply);
-  std::size_t known = batch_.size();
-  if (!done && (refusals.empty() || isConnectionFault(error)))
-    known = std::min(known, static_cast<std::size_t>(numberMember(reply, "nInserted")) + refusals.size());
-  std::int64_t refused = 0;
+  const std::size_t told = static_cast<std::size_t>(numberMember(reply, "nInserted")) + refusals.size();
+  const std::size_t known = std::min(batch_.size(), told);
+  std::int64_t stored = static_cast<std::int64_t>(known);
   for (const TRefusal& refusal : refusals) {
     if (refusal.index >= known) continue;
     sink.refused(toJson(batch_[refusal.index]), mongoErrorText(refusal.code, refusal.message));
-    ++refused;
+    --stored;
   }
-  if (const std::int64_t stored = static_cast<std::int64_t>(known) - refused; stored > 0) sink.stored(stored);
-  for (std::size_t i = known; i < batch_.size(); ++i) sink.refused(toJson(batch_[i]), mongoErrorText(error));
+  if (stored > 0) sink.stored(stored);
+  const std::string reason = error.code != 0 ? mongoErrorText(error) : notConfirmed;
+  for (std::size_t i = known; i < batch_.size(); ++i) sink.refused(toJson(batch_[i]), reason);
 }
 
 }  // namespace hollowmere

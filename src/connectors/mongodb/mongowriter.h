@@ -25,7 +25,7 @@ class TMongoWriter : public TTargetWriter {
   bool encode(const TObject& document, TOutcomeSink& sink);
   void insertOne(const TObject& document, TOutcomeSink& sink);
   void addToBatch(TObject&& document, TOutcomeSink& sink);
-  void report(bool done, const bson_t& reply, const bson_error_t& error, TOutcomeSink& sink);
+  void report(const bson_t& reply, const bson_error_t& error, TOutcomeSink& sink);
 
   TMongoClientPtr client_;
   TDateTimeText dates_;
