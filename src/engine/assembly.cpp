@@ -52,17 +52,28 @@ bool parseDouble(std::string_view text, double& number) {
   return fault == std::errc() && end == text.data() + text.size() && std::isfinite(number);
 }
 
-/// A double, except for an integer that a double cannot hold: that keeps all its digits.
-TValue toNumber(const TNodePlan& child, TValue value) {
-  if (value.is(TKind::Double)) return value;
-  if (value.is(TKind::Int) && std::abs(value.asInt()) > exactDouble) return value;
-  if (value.is(TKind::Int)) return static_cast<double>(value.asInt());
-  const std::string text = trimmed(textForm(value));
+bool isExactDouble(std::int64_t number) { return number >= -exactDouble && number <= exactDouble; }
+
+bool isWholeNumber(std::string_view text) {
+  const std::size_t first = text.starts_with('-') ? 1 : 0;
+  return text.size() > first && text.find_first_not_of("0123456789", first) == std::string_view::npos;
+}
+
+/// A whole number of any length: a double where that holds all its digits.
+TValue wholeNumber(const std::string& text) {
   std::int64_t integer = 0;
-  const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), integer);
-  if (fault == std::errc() && end == text.data() + text.size() &&
-      (integer > exactDouble || integer < -exactDouble))
-    return integer;
+  if (std::from_chars(text.data(), text.data() + text.size(), integer).ec != std::errc())
+    return TValue::decimal(text);
+  return isExactDouble(integer) ? TValue(static_cast<double>(integer)) : TValue(integer);
+}
+
+/// A double, except for a number that a double cannot hold: that keeps all its digits.
+TValue toNumber(const TNodePlan& child, TValue value) {
+  if (value.is(TKind::Double) || value.is(TKind::Decimal)) return value;
+  if (value.is(TKind::Int))
+    return isExactDouble(value.asInt()) ? TValue(static_cast<double>(value.asInt())) : value;
+  const std::string text = trimmed(textForm(value));
+  if (isWholeNumber(text)) return wholeNumber(text);
   double number = 0;
   if (!parseDouble(text, number)) refuse(child, "a number", text);
   return number;
@@ -146,9 +157,9 @@ void TAssembler::process(const TNodePlan& node, const std::string& dataSource, T
     if (!isDataSource(child.type))
       addField(document, child, row);
     else if (nested[i].first)
-      document.add(child.type == TTargetType::LinkedData ? child.target + std::string(linkedDataSuffix)
-                                                         : child.target,
-                   std::move(nested[i].second));
+      document.add(
+          child.type == TTargetType::LinkedData ? child.target + std::string(linkedDataSuffix) : child.target,
+          std::move(nested[i].second));
     else
       addNull(document, child.target);
   }
@@ -235,8 +246,9 @@ void TAssembler::addParsed(TObject& document, const TNodePlan& child, TValue val
     }
   }
   if (!value.is(wanted))
-    throw std::runtime_error("The value of \"" + child.source + "\" is " + std::string(kindName(value.kind())) +
-                             ", not " + (wanted == TKind::List ? "a JSON list" : "a JSON object"));
+    throw std::runtime_error("The value of \"" + child.source + "\" is " +
+                             std::string(kindName(value.kind())) + ", not " +
+                             (wanted == TKind::List ? "a JSON list" : "a JSON object"));
   document.add(child.target, std::move(value));
 }
 

@@ -120,8 +120,7 @@ bool TLdThread::loadMapConfig() {
   const TDataSource* source = getDSbyName(node.source);
   if (!source) throw TStoreError(TStoreErrorKind::DataSource, ldtexts::noRootSource + node.source);
   const TDataTarget* target = getDTbyName(node.target);
-  if (!target)
-    throw TStoreError(TStoreErrorKind::DataSource, "Unable to find data target: " + node.target);
+  if (!target) throw TStoreError(TStoreErrorKind::DataSource, "Unable to find data target: " + node.target);
   plans_.assign(1, makePlan(node));
   share_ = makeShare(*source);
   reader_->openRoot(*source, share_);
@@ -138,7 +137,8 @@ TShare TLdThread::makeShare(const TDataSource& source) {
   // Not counted: one thread reads to the end, several would not know their parts.
   if (!config_.counted && config_.degree == 1) return share;
   const std::int64_t count = getDSCountByName(source.name);
-  if (count == 0) throw TStoreError(TStoreErrorKind::DataSource, ldtexts::dataSource + source.name + ldtexts::noRows);
+  if (count == 0)
+    throw TStoreError(TStoreErrorKind::DataSource, ldtexts::dataSource + source.name + ldtexts::noRows);
   if (config_.degree > count)
     throw TStoreError(TStoreErrorKind::DataSource, ldtexts::degreeTooHigh + source.name);
   std::int64_t rows = count / config_.degree;

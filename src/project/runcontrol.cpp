@@ -140,8 +140,9 @@ void TRunControl::makeThreads() {
     config.bufferBytes = services_.bufferBytes;
     config.ignoreNulls = project_.ignoreNulls;
     config.counted = !project_.skipCount;
-    loads_.push_back(std::make_unique<TLdThread>(std::move(config), services_.stores, static_cast<TLoadHost&>(*this),
-                                                 services_.mainThread, services_.clock, services_.dates));
+    loads_.push_back(std::make_unique<TLdThread>(std::move(config), services_.stores,
+                                                 static_cast<TLoadHost&>(*this), services_.mainThread,
+                                                 services_.clock, services_.dates));
     log(runtexts::initializingOf + loads_.back()->label() + runtexts::completed);
   }
 }
@@ -262,12 +263,14 @@ void TRunControl::disc(const std::string& lines) { writeLine(disc_, lines); }
 void TRunControl::writeLine(TAppendFile& file, const std::string& line) {
   const std::string reason = file.append(line);
   if (reason.empty() || !fileFault_.empty()) return;
-  fileFault_ = "Unable to write to " + std::string(&file == &log_ ? "log file " : "discard file ") + file.name() +
-               runtexts::becauseOf + reason + ". The load operation is stopped.";
+  fileFault_ = "Unable to write to " + std::string(&file == &log_ ? "log file " : "discard file ") +
+               file.name() + runtexts::becauseOf + reason + ". The load operation is stopped.";
   flagThreads();
 }
 
-void TRunControl::addTotals(std::size_t mapping, const TLoadCounts& counts) { results_[mapping].counts += counts; }
+void TRunControl::addTotals(std::size_t mapping, const TLoadCounts& counts) {
+  results_[mapping].counts += counts;
+}
 
 std::string closeRefusal(const TRunControl* run) {
   return run && run->busy() ? runtexts::stillRunning : std::string();
@@ -275,7 +278,8 @@ std::string closeRefusal(const TRunControl* run) {
 
 std::string exitRefusal(const std::vector<const TRunControl*>& runs) {
   for (const TRunControl* run : runs)
-    if (run && run->busy()) return runtexts::runningBefore + run->project().projectName + runtexts::runningBehind;
+    if (run && run->busy())
+      return runtexts::runningBefore + run->project().projectName + runtexts::runningBehind;
   return {};
 }
 

@@ -46,7 +46,9 @@ std::unique_ptr<TSafeFile> TDiskFiles::create(const std::string& path) {
 bool fileExists(const std::string& path) { return QFileInfo(QString::fromStdString(path)).isFile(); }
 
 std::string readWholeFile(const std::string& path, std::uint64_t limit) {
-  const auto fail = [&path](const std::string& reason) { throw TFileError("Unable to read file", path, reason); };
+  const auto fail = [&path](const std::string& reason) {
+    throw TFileError("Unable to read file", path, reason);
+  };
   QFile file(QString::fromStdString(path));
   // Opening a pipe or a device could wait for ever.
   if (file.exists() && !fileExists(path)) fail("it is not a file");

@@ -79,15 +79,15 @@ bool TLineReader::fill() {
   }
   if (filled_ == buffer_.size()) {
     if (filled_ >= longestLine)
-      throw TStoreError(TStoreErrorKind::DataSource,
-                        "Line " + std::to_string(lineNumber_ + 1) + " of the source JSON file is longer than " +
-                            std::to_string(longestLine) + " bytes.");
+      throw TStoreError(TStoreErrorKind::DataSource, "Line " + std::to_string(lineNumber_ + 1) +
+                                                         " of the source JSON file is longer than " +
+                                                         std::to_string(longestLine) + " bytes.");
     buffer_.resize(std::min(longestLine, buffer_.size() * 2));
   }
   const qint64 got = file_.read(buffer_.data() + filled_, static_cast<qint64>(buffer_.size() - filled_));
   if (got < 0)
-    throw TStoreError(TStoreErrorKind::DataSource, "Unable to read the source JSON file:",
-                      file_.errorString().toStdString());
+    throw TStoreError(TStoreErrorKind::DataSource,
+                      "Unable to read the source JSON file:", file_.errorString().toStdString());
   nextLf_ = nextCr_ = buffer_.size();  // to be looked for again
   ended_ = got == 0;
   filled_ += static_cast<std::size_t>(got);

@@ -128,11 +128,14 @@ class TBsonBuilder {
   const TDateTimeText& dates_;
 };
 
-TObject readObject(bson_iter_t& iter);
+/// Servers allow 100 levels. What is sent beyond that must not overrun the stack.
+constexpr int deepest = 200;
 
-TList readList(bson_iter_t& iter) {
+TObject readObject(bson_iter_t& iter, int depth);
+
+TList readList(bson_iter_t& iter, int depth) {
   TList list;
-  for (TMember& member : readObject(iter)) list.push_back(std::move(member.value));
+  for (TMember& member : readObject(iter, depth)) list.push_back(std::move(member.value));
   return list;
 }
 
@@ -142,11 +145,12 @@ TObjectId toObjectId(const bson_oid_t& oid) {
   return id;
 }
 
-TValue readNested(const bson_iter_t& iter, bool list) {
+TValue readNested(const bson_iter_t& iter, bool list, int depth) {
   bson_iter_t child;
-  if (!bson_iter_recurse(&iter, &child)) throw std::runtime_error("The server sent a broken document.");
-  if (list) return readList(child);
-  return readObject(child);
+  if (depth > deepest || !bson_iter_recurse(&iter, &child))
+    throw std::runtime_error("The server sent a broken document.");
+  if (list) return readList(child, depth);
+  return readObject(child, depth);
 }
 
 TValue readBinary(const bson_iter_t& iter) {
@@ -202,12 +206,12 @@ TValue readCodeWithScope(const bson_iter_t& iter) {
   return std::string(code, length);
 }
 
-TValue readValue(const bson_iter_t& iter) {
+TValue readValue(const bson_iter_t& iter, int depth) {
   switch (bson_iter_type(&iter)) {
     case BSON_TYPE_DOUBLE: return bson_iter_double(&iter);
     case BSON_TYPE_UTF8: return readText(bson_iter_utf8, iter);
-    case BSON_TYPE_DOCUMENT: return readNested(iter, false);
-    case BSON_TYPE_ARRAY: return readNested(iter, true);
+    case BSON_TYPE_DOCUMENT: return readNested(iter, false, depth + 1);
+    case BSON_TYPE_ARRAY: return readNested(iter, true, depth + 1);
     case BSON_TYPE_BINARY: return readBinary(iter);
     case BSON_TYPE_OID: return toObjectId(*bson_iter_oid(&iter));
     case BSON_TYPE_BOOL: return bson_iter_bool(&iter);
@@ -230,12 +234,12 @@ TValue readValue(const bson_iter_t& iter) {
   return nullptr;
 }
 
-TObject readObject(bson_iter_t& iter) {
+TObject readObject(bson_iter_t& iter, int depth) {
   TObject object;
   object.reserve(8);
   while (bson_iter_next(&iter)) {
     const std::string_view key(bson_iter_key(&iter), bson_iter_key_len(&iter));
-    object.addNull(key).value = readValue(iter);
+    object.addNull(key).value = readValue(iter, depth);
   }
   if (iter.err_off != 0) throw std::runtime_error("The server sent a broken document.");
   return object;
@@ -299,7 +303,7 @@ TBsonPtr filterToBson(const TObject& filter, const TDateTimeText& dates) {
 TObject BsonToJson(const bson_t& bson) {
   bson_iter_t iter;
   if (!bson_iter_init(&iter, &bson)) throw std::runtime_error("The server sent a broken document.");
-  return readObject(iter);
+  return readObject(iter, 0);
 }
 
 }  // namespace hollowmere

@@ -61,7 +61,8 @@ TBsonPtr TMongoSource::filter(const TDateTimeText& dates) const {
 }
 
 TMongoReader::TMongoReader(const TStoreOptions& options)
-    : client_(connectMongo(options, "Unable to connect to source MongoDB.")), fetchLimit_(options.fetchLimit) {}
+    : client_(connectMongo(options, "Unable to connect to source MongoDB.")),
+      fetchLimit_(options.fetchLimit) {}
 
 void TMongoReader::openRoot(const TDataSource& source, const TShare& share) {
   const TMongoSource query(source);
@@ -95,7 +96,9 @@ std::optional<TObject> TMongoReader::getMongoJSON() {
   return BsonToJson(*row_);
 }
 
-std::string TMongoReader::rowText() { return row_ ? toJson(BsonToJson(*row_), TTextForm::Markers) : std::string(); }
+std::string TMongoReader::rowText() {
+  return row_ ? toJson(BsonToJson(*row_), TTextForm::Markers) : std::string();
+}
 
 void TMongoReader::nested(const TDataSource& source, const TObject& parent, const TRowSink& row) {
   const TMongoSource query(source);

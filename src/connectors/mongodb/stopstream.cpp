@@ -147,9 +147,8 @@ ssize_t readv(mongoc_stream_t* stream, mongoc_iovec_t* iov, std::size_t count, s
 }
 
 int setOption(mongoc_stream_t* stream, int level, int name, void* value, mongoc_socklen_t length) {
-  return own(stream).socket
-             ? mongoc_socket_setsockopt(own(stream).socket.get(), level, name, value, length)
-             : -1;
+  return own(stream).socket ? mongoc_socket_setsockopt(own(stream).socket.get(), level, name, value, length)
+                            : -1;
 }
 
 bool checkClosed(mongoc_stream_t* stream) {
