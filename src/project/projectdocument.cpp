@@ -80,7 +80,7 @@ TList mapRecords(const TProject& project) {
 // ---- reading ----
 
 [[noreturn]] void refuse(const std::string& detail = {}) {
-  throw TProjectError("Invalid project file." + (detail.empty() ? "" : " " + detail));
+  throw TProjectError(std::string(invalidProjectFile) + (detail.empty() ? "" : " " + detail));
 }
 
 [[noreturn]] void refuseKind(const std::string& path, std::string_view expected, TKind found) {

@@ -15,6 +15,9 @@
 
 namespace hollowmere {
 
+/// The whole message for content that is no project, and the start of that for one with a fault inside.
+inline constexpr std::string_view invalidProjectFile = "Invalid project file.";
+
 /// A project that cannot be read, written or built. what() is for the user and holds no secrets.
 class TProjectError : public std::runtime_error {
  public:
