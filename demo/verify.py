@@ -1,8 +1,11 @@
-"""Compares what the demo loaded with what its files say: verify.py FOLDER. Exits 1 when they differ."""
+"""Compares what the demo loaded with what its files say: verify.py FOLDER PORT. Exits 1 when they differ."""
+import datetime
 import json
 import os
 import re
 import sys
+
+from pymongo import MongoClient
 
 os.chdir(sys.argv[1])
 faults = 0
@@ -19,7 +22,8 @@ def read_lines(name, end):
     """The lines of a file; every one of them must have its end."""
     with open(name, encoding="utf-8", newline="") as file:
         lines = file.read().split(end)
-    check(f"last line of {name} has its end", lines.pop(), "")
+    if lines.pop():
+        check(f"last line of {name}", "cut off", "whole")
     return lines
 
 
@@ -84,7 +88,19 @@ check("lines of the discard file", len(read_lines("orders.discarded.txt", "\n"))
 
 print("The load of the customers, by its log")
 with open("customers.log", encoding="utf-8") as file:
-    check("customers loaded", re.findall(r"^Total loaded rows/documents (\d+)", file.read(), re.M), [str(len(customers))])
+    loaded = re.findall(r"^Total loaded rows/documents (\d+)", file.read(), re.M)
+check("customers loaded", ", ".join(loaded), str(len(customers)))
+
+print("The database")
+wanted_types = {"_id": float, "ordered": datetime.datetime, "total": float, "paid": bool, "delivery": dict, "lines": list}
+wanted_types |= {"options": dict, "shipment": dict, "signature": bytes}
+with MongoClient("127.0.0.1", int(sys.argv[2])) as client:
+    shop = client["shop"]
+    check("orders counted by the server", shop["orders"].estimated_document_count(), len(orders))
+    check("invoices counted by the server", shop["invoices"].estimated_document_count(), len(good))
+    documents = list(shop["orders"].find(limit=1000))
+untyped = [name for name, kind in wanted_types.items() if any(type(document[name]) is not kind for document in documents)]
+check("attributes of a wrong type in 1000 orders", ", ".join(untyped) or "none", "none")
 
 print("The results")
 flat = [plain(json.loads(line)) for line in read_lines("customers-flat.json", "\r")]
@@ -118,7 +134,7 @@ for customer, document in zip(customers, sorted(full, key=lambda document: docum
     )
     if not same:
         different.append(customer["number"])
-check("customers that differ from the files in any value", different[:10], [])
+check("customers that differ from the files in any value", different[:10] or "none", "none")
 
 print(f"{faults} faults" if faults else "All of it is as it must be.")
 sys.exit(1 if faults else 0)
