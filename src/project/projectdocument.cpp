@@ -80,7 +80,7 @@ TList mapRecords(const TProject& project) {
 // ---- reading ----
 
 [[noreturn]] void refuse(const std::string& detail = {}) {
-  throw TProjectError("Invalid project file." + (detail.empty() ? "" : " " + detail));
+  throw TProjectError(std::string(invalidProjectFile) + (detail.empty() ? "" : " " + detail));
 }
 
 [[noreturn]] void refuseKind(const std::string& path, std::string_view expected, TKind found) {
@@ -122,7 +122,8 @@ class TPlace {
   [[nodiscard]] std::int64_t integer(std::string_view name, std::int64_t lowest, std::int64_t highest) const {
     const std::int64_t value = need(name, TKind::Int, "a whole number").asInt();
     if (value < lowest || value > highest)
-      refuse(pathOf(name) + " is not from " + std::to_string(lowest) + " to " + std::to_string(highest) + ".");
+      refuse(pathOf(name) + " is not from " + std::to_string(lowest) + " to " + std::to_string(highest) +
+             ".");
     return value;
   }
   /// Calls read(place) for every object of a list.
@@ -141,9 +142,9 @@ class TPlace {
 void readField(const TPlace& document, const TProjectField& field, TProject& project) {
   if (!field.required && document.find(field.key) == nullptr) return;
   if (const auto* text = std::get_if<std::string TProject::*>(&field.member))
-    project.**text = document.text(field.key);
+    project.** text = document.text(field.key);
   else if (const auto* flag = std::get_if<bool TProject::*>(&field.member))
-    project.**flag = document.need(field.key, TKind::Boolean, "true or false").asBool();
+    project.** flag = document.need(field.key, TKind::Boolean, "true or false").asBool();
   else
     project.*std::get<std::int64_t TProject::*>(field.member) =
         document.integer(field.key, field.lowest, field.highest);

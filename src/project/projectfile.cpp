@@ -23,7 +23,8 @@ void proveReadable(const std::string& text) {
   } catch (const TJsonError&) {
     throw TProjectError(std::string(cannot) + "a text in it is not UTF-8, or it is nested too deep.");
   } catch (const TProjectError& error) {
-    throw TProjectError(std::string(cannot) + error.what());
+    // It is no file yet: only the place of the fault is told.
+    throw TProjectError(std::string(cannot) + (error.what() + invalidProjectFile.size() + 1));
   }
 }
 
@@ -49,11 +50,11 @@ TProject TProjectFile::open(const std::string& fileName) const {
     project.fileName = fileName;
     return project;
   } catch (const TFileError&) {
-    throw TProjectError("Invalid project file.");
+    throw TProjectError(std::string(invalidProjectFile));
   } catch (const TCipherError&) {
-    throw TProjectError("Invalid project file.");
+    throw TProjectError(std::string(invalidProjectFile));
   } catch (const TJsonError&) {
-    throw TProjectError("Invalid project file.");
+    throw TProjectError(std::string(invalidProjectFile));
   }
 }
 

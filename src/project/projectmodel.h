@@ -15,6 +15,9 @@
 
 namespace hollowmere {
 
+/// The whole message for content that is no project, and the start of that for one with a fault inside.
+inline constexpr std::string_view invalidProjectFile = "Invalid project file.";
+
 /// A project that cannot be read, written or built. what() is for the user and holds no secrets.
 class TProjectError : public std::runtime_error {
  public:
@@ -91,9 +94,17 @@ inline constexpr std::array<TProjectSideField, 2> projectSides = {{
 }};
 
 /// The target types of mapping nodes, in the order in which they are offered.
-inline constexpr std::array<std::string_view, 11> mapTargetTypes = {
-    "String",      "Number",    "Boolean",       "DateTime",   "Binary", "Data Source (JSON Object)",
-    "Data Source (JSON List)", "JSON Object", "JSON List", "JSON from XML", "Linked Data"};
+inline constexpr std::array<std::string_view, 11> mapTargetTypes = {"String",
+                                                                    "Number",
+                                                                    "Boolean",
+                                                                    "DateTime",
+                                                                    "Binary",
+                                                                    "Data Source (JSON Object)",
+                                                                    "Data Source (JSON List)",
+                                                                    "JSON Object",
+                                                                    "JSON List",
+                                                                    "JSON from XML",
+                                                                    "Linked Data"};
 
 /// A project as "New Project" makes it.
 TProject newProject(const TSettings& settings, const TDataFolder& folder);

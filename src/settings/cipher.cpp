@@ -37,7 +37,9 @@ std::string programSecret() {
   return secret;
 }
 
-const std::uint8_t* bytesOf(std::string_view text) { return reinterpret_cast<const std::uint8_t*>(text.data()); }
+const std::uint8_t* bytesOf(std::string_view text) {
+  return reinterpret_cast<const std::uint8_t*>(text.data());
+}
 std::uint8_t* bytesOf(std::string& text) { return reinterpret_cast<std::uint8_t*>(text.data()); }
 
 std::array<std::uint8_t, SHA256_DIGEST_SIZE> derive(std::string_view purpose, std::string_view secret) {
@@ -105,8 +107,7 @@ std::string TCipher::decryptStream(std::string_view enciphered) const {
     throw TCipherError("The content is not enciphered by this program.");
   const std::string_view header = enciphered.substr(0, headerBytes);
   const std::string vector(header.substr(mark.size()));
-  std::string plain =
-      runFeedback(&cfb8_decrypt, schedule(key_), vector, enciphered.substr(headerBytes));
+  std::string plain = runFeedback(&cfb8_decrypt, schedule(key_), vector, enciphered.substr(headerBytes));
   const std::string found = plain.substr(0, checkBytes);
   plain.erase(0, checkBytes);
   const std::string expected = checkValue(header, plain);

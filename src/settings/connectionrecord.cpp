@@ -13,10 +13,10 @@ using enum TFieldKind;
 using TTexts = std::string_view;
 
 constexpr std::array<TTexts, 2> mechanisms = {"MONGODB-CR", "SCRAM-SHA-1"};
-constexpr std::array<TTexts, 8> encodings = {"Default", "Operating System Default", "8 Bit",   "ASCII",
-                                             "UTF7",    "UTF8",                     "UTF16BE", "UTF16LE"};
-constexpr std::array<TTexts, 9> readLevels = {"ONE", "QUORUM", "LOCAL_QUORUM", "EACH_QUORUM", "ALL",
-                                              "ANY", "TWO",    "THREE",        ""};
+constexpr std::array<TTexts, 8> encodings = {
+    "Default", "Operating System Default", "8 Bit", "ASCII", "UTF7", "UTF8", "UTF16BE", "UTF16LE"};
+constexpr std::array<TTexts, 9> readLevels = {
+    "ONE", "QUORUM", "LOCAL_QUORUM", "EACH_QUORUM", "ALL", "ANY", "TWO", "THREE", ""};
 constexpr std::span<const TTexts> writeLevels{readLevels.data(), readLevels.size() - 1};
 constexpr std::array<TTexts, 2> protocols = {"http", "https"};
 constexpr std::array<TTexts, 4> proxyTypes = {"None", "Basic", "Ntlm", "Digest"};
@@ -24,7 +24,11 @@ constexpr std::array<TTexts, 4> proxyTypes = {"None", "Basic", "Ntlm", "Digest"}
 constexpr std::array<TConnectionField, 3> oracleFields = {{
     {"user", "User name", Text, "", {}, "Please specify Oracle database user."},
     {"password", "Password", Password, "", {}, "Please specify Oracle database user password."},
-    {"database", "Oracle TNS Service Name/host:port:SID or host:port:SN=dbservice", Text, "", {},
+    {"database",
+     "Oracle TNS Service Name/host:port:SID or host:port:SN=dbservice",
+     Text,
+     "",
+     {},
      "Please specify Oracle database service name."},
 }};
 
@@ -68,8 +72,9 @@ constexpr std::array<TConnectionField, 10> couchdbFields = {{
     {"password", "Password", Password},
 }};
 
-constexpr std::array<TTexts, 10> couchdbRows = {"host",          "port",      "protocol",  "user",      "password",
-                                                "proxyauthtype", "proxyhost", "proxyport", "proxyuser", "proxypwd"};
+constexpr std::array<TTexts, 10> couchdbRows = {"host",      "port",          "protocol",  "user",
+                                                "password",  "proxyauthtype", "proxyhost", "proxyport",
+                                                "proxyuser", "proxypwd"};
 
 constexpr std::array<TConnectionField, 11> couchbaseFields = {{
     {"host", "Host", Text, "", {}, "Please specify Couchbase database host."},
@@ -85,9 +90,9 @@ constexpr std::array<TConnectionField, 11> couchbaseFields = {{
     {"password", "Password", Password},
 }};
 
-constexpr std::array<TTexts, 11> couchbaseRows = {"host",      "port",          "restport",  "protocol",
-                                                  "user",      "password",      "proxyauthtype", "proxyhost",
-                                                  "proxyport", "proxyuser",     "proxypwd"};
+constexpr std::array<TTexts, 11> couchbaseRows = {"host",      "port",      "restport",      "protocol",
+                                                  "user",      "password",  "proxyauthtype", "proxyhost",
+                                                  "proxyport", "proxyuser", "proxypwd"};
 
 constexpr std::array<TConnectionType, 6> types = {{
     {dbtype::oracle, "oracle.rtf", oracleFields, {}},

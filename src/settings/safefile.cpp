@@ -46,16 +46,22 @@ std::unique_ptr<TSafeFile> TDiskFiles::create(const std::string& path) {
 bool fileExists(const std::string& path) { return QFileInfo(QString::fromStdString(path)).isFile(); }
 
 std::string readWholeFile(const std::string& path, std::uint64_t limit) {
-  const auto fail = [&path](const std::string& reason) { throw TFileError("Unable to read file", path, reason); };
+  const auto fail = [&path](const std::string& reason) {
+    throw TFileError("Unable to read file", path, reason);
+  };
   QFile file(QString::fromStdString(path));
   // Opening a pipe or a device could wait for ever.
   if (file.exists() && !fileExists(path)) fail("it is not a file");
   if (!file.open(QIODevice::ReadOnly)) fail(file.errorString().toStdString());
-  const QByteArray bytes = file.read(static_cast<qint64>(limit) + 1);
+  std::string bytes;
+  QByteArray part;
+  do {
+    part = file.read(static_cast<qint64>(chunkBytes));
+    bytes.append(part.constData(), static_cast<std::size_t>(part.size()));
+  } while (!part.isEmpty() && bytes.size() <= limit);
   if (file.error() != QFileDevice::NoError) fail(file.errorString().toStdString());
-  if (static_cast<std::uint64_t>(bytes.size()) > limit)
-    fail("it is larger than " + std::to_string(limit) + " bytes");
-  return bytes.toStdString();
+  if (bytes.size() > limit) fail("it is larger than " + std::to_string(limit) + " bytes");
+  return bytes;
 }
 
 void writeWholeFile(TSafeFiles& files, const std::string& path, std::string_view bytes) {

@@ -47,10 +47,10 @@ constexpr std::array<TSetting, 21> table = {{
 
 /// Saving writes two of the values earlier than loading reads them.
 constexpr std::array<std::string_view, 21> saveOrder = {
-    "SoftwareVersion", "warnVersion",    "MongoDBshellExe", "rowAutoHeight", "colAutoWidth", "ignoreNulls",
-    "fetchSize",       "fetchLimit",     "maxfetchSize",    "showJsonIcon",  "httpTimeout",  "loadDegree",
-    "loadNum",         "discardNum",     "skipNum",         "logFile",       "discFile",     "showConnWindow",
-    "bit64Warn",       "bufLen",         "sqlMemoHeight"};
+    "SoftwareVersion", "warnVersion", "MongoDBshellExe", "rowAutoHeight", "colAutoWidth", "ignoreNulls",
+    "fetchSize",       "fetchLimit",  "maxfetchSize",    "showJsonIcon",  "httpTimeout",  "loadDegree",
+    "loadNum",         "discardNum",  "skipNum",         "logFile",       "discFile",     "showConnWindow",
+    "bit64Warn",       "bufLen",      "sqlMemoHeight"};
 
 bool parse(std::string_view text, std::string& value) {
   value = text;

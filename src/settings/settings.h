@@ -45,8 +45,7 @@ struct TSettings {
 /// Every setting at its default.
 TSettings defaultSettings(const TDataFolder& folder);
 
-using TSettingMember =
-    std::variant<std::string TSettings::*, bool TSettings::*, std::int64_t TSettings::*>;
+using TSettingMember = std::variant<std::string TSettings::*, bool TSettings::*, std::int64_t TSettings::*>;
 
 /// One line of the table of settings.
 struct TSetting {
