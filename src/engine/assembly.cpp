@@ -47,29 +47,44 @@ std::string lowered(std::string text) {
 }
 
 bool parseDouble(std::string_view text, double& number) {
-  if (text.starts_with('+')) text.remove_prefix(1);
+  if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
   const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), number);
   return fault == std::errc() && end == text.data() + text.size() && std::isfinite(number);
 }
 
-/// A double, except for an integer that a double cannot hold: that keeps all its digits.
-TValue toNumber(const TNodePlan& child, TValue value) {
-  if (value.is(TKind::Double)) return value;
-  if (value.is(TKind::Int) && std::abs(value.asInt()) > exactDouble) return value;
-  if (value.is(TKind::Int)) return static_cast<double>(value.asInt());
-  const std::string text = trimmed(textForm(value));
+/// Whether a text is digits with perhaps a sign.
+bool isInteger(std::string_view text) {
+  if (text.starts_with('-') || text.starts_with('+')) text.remove_prefix(1);
+  return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+bool isExactDouble(std::int64_t integer) { return integer >= -exactDouble && integer <= exactDouble; }
+
+/// An integer with all its digits.
+TValue wholeInteger(std::string_view text) {
+  if (text.starts_with('+')) text.remove_prefix(1);
   std::int64_t integer = 0;
-  const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), integer);
-  if (fault == std::errc() && end == text.data() + text.size() &&
-      (integer > exactDouble || integer < -exactDouble))
-    return integer;
+  const auto fault = std::from_chars(text.data(), text.data() + text.size(), integer).ec;
+  if (fault != std::errc()) return TValue::decimal(std::string(text));
+  return isExactDouble(integer) ? TValue(static_cast<double>(integer)) : TValue(integer);
+}
+
+/// A double, except for an integer that a double cannot hold: that keeps all its digits.
+TValue toNumber(const TNodePlan& child, const TValue& value) {
+  if (value.is(TKind::Double)) return value;
+  if (value.is(TKind::Int))
+    return isExactDouble(value.asInt()) ? TValue(static_cast<double>(value.asInt())) : value;
+  const std::string text = trimmed(textForm(value));
   double number = 0;
   if (!parseDouble(text, number)) refuse(child, "a number", text);
-  return number;
+  return isInteger(text) && std::abs(number) >= static_cast<double>(exactDouble) ? wholeInteger(text)
+                                                                                 : TValue(number);
 }
 
 TValue toBoolean(const TNodePlan& child, const TValue& value) {
   if (value.is(TKind::Boolean)) return value;
+  // Its text would lose what is very small.
+  if (value.is(TKind::Double)) return value.asDouble() != 0;
   const std::string text = lowered(trimmed(textForm(value)));
   if (text == "true") return true;
   if (text == "false") return false;
@@ -146,9 +161,9 @@ void TAssembler::process(const TNodePlan& node, const std::string& dataSource, T
     if (!isDataSource(child.type))
       addField(document, child, row);
     else if (nested[i].first)
-      document.add(child.type == TTargetType::LinkedData ? child.target + std::string(linkedDataSuffix)
-                                                         : child.target,
-                   std::move(nested[i].second));
+      document.add(
+          child.type == TTargetType::LinkedData ? child.target + std::string(linkedDataSuffix) : child.target,
+          std::move(nested[i].second));
     else
       addNull(document, child.target);
   }
@@ -235,8 +250,9 @@ void TAssembler::addParsed(TObject& document, const TNodePlan& child, TValue val
     }
   }
   if (!value.is(wanted))
-    throw std::runtime_error("The value of \"" + child.source + "\" is " + std::string(kindName(value.kind())) +
-                             ", not " + (wanted == TKind::List ? "a JSON list" : "a JSON object"));
+    throw std::runtime_error("The value of \"" + child.source + "\" is " +
+                             std::string(kindName(value.kind())) + ", not " +
+                             (wanted == TKind::List ? "a JSON list" : "a JSON object"));
   document.add(child.target, std::move(value));
 }
 
@@ -247,7 +263,7 @@ void TAssembler::addNull(TObject& document, const std::string& name) const {
 TValue TAssembler::scalar(const TNodePlan& child, TValue value) const {
   if (value.isNested() && !child.isId) return value;
   switch (child.type) {
-    case TTargetType::Number: return toNumber(child, std::move(value));
+    case TTargetType::Number: return toNumber(child, value);
     case TTargetType::Boolean:
       if (!child.isId) return toBoolean(child, value);
       break;
