@@ -2,6 +2,8 @@
 
 #include <simdjson.h>
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstring>
 #include <utility>
@@ -72,18 +74,22 @@ class TBuilder {
  private:
   void buildObject(TObject& object, ondemand::object at, std::size_t depth) {
     checkDepth(depth);
-    object.reserve(8);
+    // Documents of one source look alike: as much room as the last object at this depth had members.
+    std::size_t& room = rooms_[std::min(depth, rooms_.size()) - 1];
+    object.reserve(room);
     for (auto item : at) {
       auto field = need(std::move(item));
       TMember& member = object.addNull(need(field.unescaped_key()));
       build(member.value, field.value(), depth);
     }
+    room = std::min(object.size(), mostRoom);
   }
 
   void buildList(TList& list, ondemand::array at, std::size_t depth) {
     checkDepth(depth);
     for (auto item : at) {
       auto element = need(std::move(item));
+      if (list.empty()) list.reserve(4);
       build(list.emplace_back(), element, depth);
     }
   }
@@ -109,15 +115,19 @@ class TBuilder {
     if (depth > depthLimit_) throw TRefused{"nested too deep"};
   }
 
+  static constexpr std::size_t mostRoom = 64;
+
   std::size_t depthLimit_;
+  std::array<std::size_t, 4> rooms_{8, 8, 8, 8};  ///< the last depth stands for all beyond
 };
 
 }  // namespace
 
 struct TJsonReader::TParser {
-  explicit TParser(std::size_t limit) : depthLimit(limit) {}
+  explicit TParser(std::size_t limit) : builder(limit), depthLimit(limit) {}
 
   ondemand::parser parser;
+  TBuilder builder;
   std::vector<char> padded;
   std::size_t depthLimit;
 };
@@ -141,7 +151,7 @@ TValue TJsonReader::read(std::string_view text) {
   try {
     auto document = need(parser_->parser.iterate(padded.data(), text.size(), padded.size()));
     TValue value;
-    TBuilder(parser_->depthLimit).build(value, document, 0);
+    parser_->builder.build(value, document, 0);
     if (document.current_location().error() != simdjson::OUT_OF_BOUNDS)
       throw TRefused{"more text behind the value"};
     return value;
