@@ -177,8 +177,8 @@ class TValue {
     return object_;
   }
 
-  // Turns a null into the empty value of a kind and hands that out, to be filled in its place.
-  std::string& makeText();
+  // Turns a null into a text, or the empty value of a kind, and hands that out, to be filled in its place.
+  std::string& makeText(std::string_view text = {});
   TList& makeList();
   TObject& makeObject();
 
@@ -226,15 +226,19 @@ inline TValue& TObject::add(std::string name, TValue value) {
 }
 
 inline TMember& TObject::addNull(std::string_view name) {
-  TMember& member = members_.emplace_back();
-  member.name = name;
-  return member;
+  // Becomes the text in its place: even a short text that is moved is copied once more.
+  struct TToText {
+    std::string_view text;
+    operator std::string() const { return std::string(text); }
+  };
+  return members_.emplace_back(TToText{name}, TValue());
 }
 
-inline std::string& TValue::makeText() {
+inline std::string& TValue::makeText(std::string_view text) {
   assert(isNull());
+  std::construct_at(&text_, text);
   kind_ = TKind::Text;
-  return *std::construct_at(&text_);
+  return text_;
 }
 
 inline TList& TValue::makeList() {
