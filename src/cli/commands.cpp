@@ -117,14 +117,16 @@ std::int64_t rowLimit(const TCommandLine& line) {
   return limit;
 }
 
-/// Prints the documents of one root mapping; false when a row has no document.
+/// Prints the documents of one root mapping as a file target would hold them; false when a row has no
+/// document.
 bool printPreview(TSourceReader& reader, const TProject& project, const TMapNode& mapping,
                   const TDateTimeText& dates, std::int64_t limit, const TCliStreams& streams) {
+  const bool toFile = project.target.connection.is(TKind::Text);
   bool good = true;
   previewMapping(reader, project.dataSources, mapping, project.ignoreNulls, dates, limit,
                  [&](TPreviewRow&& row) {
                    if (row.error.empty())
-                     streams.out << toJson(row.document) << '\n';
+                     streams.out << toJson(row.document, toFile ? TTextForm::Markers : TTextForm::Plain) << '\n';
                    else
                      streams.err << mapping.source << ", row " << row.number << ": " << row.error << '\n';
                    good = good && row.error.empty();

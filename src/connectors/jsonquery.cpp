@@ -67,6 +67,30 @@ const TValue* findByPath(const TObject& object, std::string_view name) {
   return findByPath(outer->value.asObject(), name.substr(dot + 1));
 }
 
+/// The first member in a value, at any depth, that a query would take for an operator.
+const TMember* findOperator(const TValue& value) {
+  if (value.is(TKind::List))
+    for (const TValue& element : value.asList())
+      if (const TMember* found = findOperator(element)) return found;
+  if (value.is(TKind::Object))
+    for (const TMember& member : value.asObject()) {
+      if (member.name.starts_with('$')) return &member;
+      if (const TMember* found = findOperator(member.value)) return found;
+    }
+  return nullptr;
+}
+
+const TValue& parameterValue(const TObject& parent, std::string_view name) {
+  const TValue* field = findByPath(parent, name);
+  if (!field)
+    throw TStoreError(TStoreErrorKind::Read,
+                      "The parent row has no field for the query parameter :" + std::string(name));
+  if (const TMember* found = findOperator(*field))
+    throw TStoreError(TStoreErrorKind::Read, "The value of the query parameter :" + std::string(name) +
+                                                 " holds the operator " + found->name);
+  return *field;
+}
+
 TObject bindObject(const TObject& object, const TObject& parent);
 
 TValue bindValue(const TValue& value, const TObject& parent) {
@@ -79,9 +103,7 @@ TValue bindValue(const TValue& value, const TObject& parent) {
   if (!value.is(TKind::Text)) return value;
   const std::string_view name = parameterName(value.asText());
   if (name.empty()) return value;
-  if (const TValue* field = findByPath(parent, name)) return *field;
-  throw TStoreError(TStoreErrorKind::Read,
-                    "The parent row has no field for the query parameter :" + std::string(name));
+  return parameterValue(parent, name);
 }
 
 TObject bindObject(const TObject& object, const TObject& parent) {

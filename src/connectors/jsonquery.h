@@ -16,7 +16,7 @@ class TJsonQuery {
 
   /// Each parameter takes the value of the parent's first field of its name, letter case ignored; a name
   /// with dots that is no field is a path into nested objects. Throws TStoreError (Read) naming a
-  /// parameter that has no field.
+  /// parameter that has no field, or whose value holds a name that begins with "$": it would be an operator.
   [[nodiscard]] TObject bind(const TObject& parent) const;
 
  private:

@@ -47,40 +47,44 @@ std::string lowered(std::string text) {
 }
 
 bool parseDouble(std::string_view text, double& number) {
-  if (text.starts_with('+')) text.remove_prefix(1);
+  if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
   const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), number);
   return fault == std::errc() && end == text.data() + text.size() && std::isfinite(number);
 }
 
-bool isExactDouble(std::int64_t number) { return number >= -exactDouble && number <= exactDouble; }
-
-bool isWholeNumber(std::string_view text) {
-  const std::size_t first = text.starts_with('-') ? 1 : 0;
-  return text.size() > first && text.find_first_not_of("0123456789", first) == std::string_view::npos;
+/// Whether a text is digits with perhaps a sign.
+bool isInteger(std::string_view text) {
+  if (text.starts_with('-') || text.starts_with('+')) text.remove_prefix(1);
+  return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-/// A whole number of any length: a double where that holds all its digits.
-TValue wholeNumber(const std::string& text) {
+bool isExactDouble(std::int64_t integer) { return integer >= -exactDouble && integer <= exactDouble; }
+
+/// An integer with all its digits.
+TValue wholeInteger(std::string_view text) {
+  if (text.starts_with('+')) text.remove_prefix(1);
   std::int64_t integer = 0;
-  if (std::from_chars(text.data(), text.data() + text.size(), integer).ec != std::errc())
-    return TValue::decimal(text);
+  const auto fault = std::from_chars(text.data(), text.data() + text.size(), integer).ec;
+  if (fault != std::errc()) return TValue::decimal(std::string(text));
   return isExactDouble(integer) ? TValue(static_cast<double>(integer)) : TValue(integer);
 }
 
-/// A double, except for a number that a double cannot hold: that keeps all its digits.
-TValue toNumber(const TNodePlan& child, TValue value) {
-  if (value.is(TKind::Double) || value.is(TKind::Decimal)) return value;
+/// A double, except for an integer that a double cannot hold: that keeps all its digits.
+TValue toNumber(const TNodePlan& child, const TValue& value) {
+  if (value.is(TKind::Double)) return value;
   if (value.is(TKind::Int))
     return isExactDouble(value.asInt()) ? TValue(static_cast<double>(value.asInt())) : value;
   const std::string text = trimmed(textForm(value));
-  if (isWholeNumber(text)) return wholeNumber(text);
   double number = 0;
   if (!parseDouble(text, number)) refuse(child, "a number", text);
-  return number;
+  return isInteger(text) && std::abs(number) >= static_cast<double>(exactDouble) ? wholeInteger(text)
+                                                                                 : TValue(number);
 }
 
 TValue toBoolean(const TNodePlan& child, const TValue& value) {
   if (value.is(TKind::Boolean)) return value;
+  // Its text would lose what is very small.
+  if (value.is(TKind::Double)) return value.asDouble() != 0;
   const std::string text = lowered(trimmed(textForm(value)));
   if (text == "true") return true;
   if (text == "false") return false;
@@ -259,7 +263,7 @@ void TAssembler::addNull(TObject& document, const std::string& name) const {
 TValue TAssembler::scalar(const TNodePlan& child, TValue value) const {
   if (value.isNested() && !child.isId) return value;
   switch (child.type) {
-    case TTargetType::Number: return toNumber(child, std::move(value));
+    case TTargetType::Number: return toNumber(child, value);
     case TTargetType::Boolean:
       if (!child.isId) return toBoolean(child, value);
       break;

@@ -47,7 +47,7 @@ TLdThread::~TLdThread() = default;
 
 void TLdThread::execute() {
   try {
-    log(ldtexts::started + dates_.localText(clock_.now()));
+    log(ldtexts::started + timeText());
     log(ldtexts::initializing);
     initConnections();
     log(ldtexts::connected);
@@ -248,7 +248,7 @@ void TLdThread::writeCounts(const char* prefix, const TLoadCounts& counts) {
 }
 
 void TLdThread::writeEnd() {
-  log((stop_.isSet() ? ldtexts::cancelled : ldtexts::finished) + dates_.localText(clock_.now()));
+  log((stop_.isSet() ? ldtexts::cancelled : ldtexts::finished) + timeText());
   writeCounts("Total ", totals_);
   log(ldtexts::separator);
   forceFlush();
@@ -305,9 +305,12 @@ std::string TLdThread::getSASLPwdByName(std::string_view name) const {
 
 void TLdThread::log(const std::string& message) {
   if (isBlank(message) || config_.label.empty()) return;
-  queue_.addLog(dates_.localText(clock_.now()) + ": " + config_.label + ": " + message);
+  queue_.addLog(timeText() + ": " + config_.label + ": " + message);
   writeToFiles();
 }
+
+/// Whole seconds: lines stand in columns.
+std::string TLdThread::timeText() const { return dates_.localText(clock_.now() / 1000 * 1000); }
 
 void TLdThread::disc(std::string text) {
   if (isBlank(text)) return;

@@ -103,9 +103,9 @@ void TRunControl::countSources() {
   options.stop = &stopChecks_;
   for (TDataSource& source : project_.dataSources) {
     source.count = 0;
-    const bool isRoot = std::any_of(project_.mapping.begin(), project_.mapping.end(),
-                                    [&](const TMapNode& root) { return root.source == source.name; });
-    if (!isRoot) continue;
+    const auto mappings = std::count_if(project_.mapping.begin(), project_.mapping.end(),
+                                        [&](const TMapNode& root) { return root.source == source.name; });
+    if (mappings == 0) continue;
     if (project_.skipCount) {
       log(runtexts::rootSource + source.name + runtexts::notCounted);
       continue;
@@ -117,7 +117,8 @@ void TRunControl::countSources() {
     }
     const char* unit = store->traits().countsBytes ? runtexts::bytes : runtexts::rows;
     log(runtexts::rootSource + source.name + runtexts::returns + std::to_string(source.count) + unit);
-    maximum_ += source.count;
+    // Each of its mappings reads the source once.
+    maximum_ += source.count * mappings;
   }
 }
 
@@ -125,7 +126,7 @@ void TRunControl::makeThreads() {
   for (int number = 1; number <= project_.degree; ++number) {
     TLdConfig config;
     config.label = "Thread#" + std::to_string(number);
-    log(services_.dates.localText(services_.clock.now()) + runtexts::startInit + config.label);
+    log(services_.dates.localText(services_.clock.now() / 1000 * 1000) + runtexts::startInit + config.label);
     config.threadNumber = number;
     config.degree = static_cast<int>(project_.degree);
     config.sourceType = project_.source.dbType;

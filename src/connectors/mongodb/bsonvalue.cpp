@@ -35,14 +35,24 @@ class TBsonBuilder {
 
   void appendObject(const TObject& object, bson_t* out) {
     for (const TMember& member : object) {
-      // A key is a C string: what follows a zero byte would be lost.
-      if (std::memchr(member.name.data(), 0, member.name.size()))
-        refuse(member.name.c_str(), "has a name with a zero byte, which BSON cannot hold");
+      checkName(member.name);
       append(out, member.name, member.value, false);
     }
   }
 
  private:
+  static void checkName(const std::string& name) {
+    // A name is a C string: what follows a zero byte would be lost.
+    bool zero = false, beyondAscii = false;
+    for (const char c : name) {
+      zero = zero || c == 0;
+      beyondAscii = beyondAscii || (c & 0x80) != 0;
+    }
+    if (zero) refuse(name.c_str(), "has a name with a zero byte, which BSON cannot hold");
+    if (name.empty()) refuse(name, "has an empty name");
+    if (beyondAscii && !isValidText(name)) refuse("", "has a name that is not UTF-8");
+  }
+
   void append(bson_t* out, std::string_view key, const TValue& value, bool inList) {
     const char* name = key.data();
     const int length = static_cast<int>(key.size());
@@ -73,6 +83,8 @@ class TBsonBuilder {
   }
 
   bool appendText(bson_t* out, std::string_view key, const std::string& text, bool inList) {
+    // Outside lists such a text becomes binary.
+    if (inList && !isValidText(text)) refuse(key, "is not UTF-8");
     const std::optional<TValue> converted = convertText(text, inList, dates_);
     if (!converted) return appendPlain(out, key, text);
     if (converted->is(TKind::Text)) return appendPlain(out, key, converted->asText());

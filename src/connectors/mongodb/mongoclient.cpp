@@ -58,8 +58,12 @@ TMongoUriPtr makeUri(const TValue& record) {
   return good ? std::move(uri) : nullptr;
 }
 
-std::string detailOf(const bson_error_t& error) {
+/// The driver does not always say which server it could not reach.
+std::string detailOf(const bson_error_t& error, const mongoc_uri_t& uri) {
   std::string detail = error.message;
+  const mongoc_host_list_t* host = mongoc_uri_get_hosts(&uri);
+  if (host && detail.find(host->host_and_port) == std::string::npos)
+    detail = std::string(host->host_and_port) + ": " + detail;
   const bool versions =
       error.domain == MONGOC_ERROR_PROTOCOL && error.code == MONGOC_ERROR_PROTOCOL_BAD_WIRE_VERSION;
   if (versions) detail += " (servers of version 3.6 or later can be used)";
@@ -77,7 +81,7 @@ TMongoClientPtr connectMongo(const TStoreOptions& options, const std::string& fi
                       fixedText.substr(0, fixedText.size() - 1) + ": unable to parse connection string.");
   bson_error_t error{};
   TMongoClientPtr client(mongoc_client_new_from_uri_with_error(uri.get(), &error));
-  if (!client) throw TStoreError(TStoreErrorKind::Connect, fixedText, detailOf(error));
+  if (!client) throw TStoreError(TStoreErrorKind::Connect, fixedText, detailOf(error, *uri));
   mongoc_client_set_error_api(client.get(), MONGOC_ERROR_API_VERSION_2);
   useStopStreams(client.get(), options.stop);
   const TBsonPtr ping(bson_new());
@@ -85,7 +89,7 @@ TMongoClientPtr connectMongo(const TStoreOptions& options, const std::string& fi
   const std::string database = textMember(record, "database");
   if (!mongoc_client_command_simple(client.get(), database.empty() ? "admin" : database.c_str(), ping.get(),
                                     nullptr, nullptr, &error))
-    throw TStoreError(TStoreErrorKind::Connect, fixedText, detailOf(error));
+    throw TStoreError(TStoreErrorKind::Connect, fixedText, detailOf(error, *uri));
   return client;
 }
 

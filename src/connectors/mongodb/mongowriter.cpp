@@ -1,6 +1,7 @@
 #include "connectors/mongodb/mongowriter.h"
 
 #include <algorithm>
+#include <memory>
 
 #include "json/json.h"
 
@@ -12,6 +13,20 @@ namespace {
 constexpr std::uint32_t largestDocument = 16 * 1024 * 1024;
 
 constexpr char notConfirmed[] = "The server did not confirm the document.";
+
+/// The driver's own asks the system for the process number at every identifier.
+bson_context_t* identifiers() {
+  static const std::unique_ptr<bson_context_t, decltype(&bson_context_destroy)> context(
+      bson_context_new(BSON_CONTEXT_THREAD_SAFE), &bson_context_destroy);
+  return context.get();
+}
+
+/// {name: false}
+TBsonPtr flagDocument(const char* name) {
+  TBsonPtr document(bson_new());
+  BSON_APPEND_BOOL(document.get(), name, false);
+  return document;
+}
 
 struct TRefusal {
   std::size_t index = 0;
@@ -53,7 +68,9 @@ TMongoWriter::TMongoWriter(const TStoreOptions& options)
     : client_(connectMongo(options, "Unable to connect to target MongoDB.")),
       database_(textMember(options.connection, "database")),
       batchSize_(options.bulkSize > 1 ? static_cast<std::size_t>(options.bulkSize) : 1),
-      scratch_(bson_new()) {}
+      scratch_(bson_new()),
+      unordered_(flagDocument("ordered")),
+      unchecked_(flagDocument("validate")) {}
 
 void TMongoWriter::openTarget(const TDataTarget& target) {
   if (database_.empty() || target.target.empty())
@@ -76,7 +93,7 @@ bool TMongoWriter::encode(const TObject& document, TOutcomeSink& sink) {
     bson_reinit(scratch_.get());
     if (!document.empty() && !document.contains("_id")) {
       bson_oid_t id;
-      bson_oid_init(&id, nullptr);
+      bson_oid_init(&id, identifiers());
       BSON_APPEND_OID(scratch_.get(), "_id", &id);
     }
     JsonToBson(document, scratch_.get(), dates_);
@@ -93,7 +110,7 @@ bool TMongoWriter::encode(const TObject& document, TOutcomeSink& sink) {
 void TMongoWriter::insertOne(const TObject& document, TOutcomeSink& sink) {
   bson_t reply;
   bson_error_t error{};
-  if (!mongoc_collection_insert_one(collection_.get(), scratch_.get(), nullptr, &reply, &error))
+  if (!mongoc_collection_insert_one(collection_.get(), scratch_.get(), unchecked_.get(), &reply, &error))
     sink.refused(toJson(document), mongoErrorText(error));
   else if (numberMember(reply, "insertedCount") == 1)
     sink.stored(1);
@@ -103,14 +120,10 @@ void TMongoWriter::insertOne(const TObject& document, TOutcomeSink& sink) {
 }
 
 void TMongoWriter::addToBatch(TObject&& document, TOutcomeSink& sink) {
-  if (!bulk_) {
-    bson_t unordered = BSON_INITIALIZER;
-    BSON_APPEND_BOOL(&unordered, "ordered", false);
-    bulk_.reset(mongoc_collection_create_bulk_operation_with_opts(collection_.get(), &unordered));
-    bson_destroy(&unordered);
-  }
+  if (!bulk_)
+    bulk_.reset(mongoc_collection_create_bulk_operation_with_opts(collection_.get(), unordered_.get()));
   bson_error_t error{};
-  if (!mongoc_bulk_operation_insert_with_opts(bulk_.get(), scratch_.get(), nullptr, &error)) {
+  if (!mongoc_bulk_operation_insert_with_opts(bulk_.get(), scratch_.get(), unchecked_.get(), &error)) {
     sink.refused(toJson(document), mongoErrorText(error));
     return;
   }

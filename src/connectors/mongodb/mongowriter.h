@@ -33,6 +33,8 @@ class TMongoWriter : public TTargetWriter {
   std::size_t batchSize_;
   TMongoCollectionPtr collection_;
   TBsonPtr scratch_;
+  TBsonPtr unordered_;
+  TBsonPtr unchecked_;  ///< options of an insert: JsonToBson() has checked texts and names
   TMongoBulkPtr bulk_;
   std::vector<TObject> batch_;  ///< the documents in bulk_, in its order
 };
