@@ -29,7 +29,8 @@ std::uint16_t portMember(const TValue& record) {
 
 TMongoUriPtr makeUri(const TValue& record) {
   const std::string host = textMember(record, "host");
-  TMongoUriPtr uri(mongoc_uri_new_for_host_port(host.empty() ? "localhost" : host.c_str(), portMember(record)));
+  TMongoUriPtr uri(
+      mongoc_uri_new_for_host_port(host.empty() ? "localhost" : host.c_str(), portMember(record)));
   if (!uri) return nullptr;
   bool good = true;
   if (const std::string user = textMember(record, "user"); !user.empty()) {
@@ -47,7 +48,8 @@ TMongoUriPtr makeUri(const TValue& record) {
 
 std::string detailOf(const bson_error_t& error) {
   std::string detail = error.message;
-  const bool versions = error.domain == MONGOC_ERROR_PROTOCOL && error.code == MONGOC_ERROR_PROTOCOL_BAD_WIRE_VERSION;
+  const bool versions =
+      error.domain == MONGOC_ERROR_PROTOCOL && error.code == MONGOC_ERROR_PROTOCOL_BAD_WIRE_VERSION;
   if (versions) detail += " (servers of version 3.6 or later can be used)";
   return detail;
 }
@@ -59,8 +61,8 @@ TMongoClientPtr connectMongo(const TStoreOptions& options, const std::string& fi
   const TValue& record = options.connection;
   const TMongoUriPtr uri = record.is(TKind::Object) ? makeUri(record) : nullptr;
   if (!uri)
-    throw TStoreError(TStoreErrorKind::Connect, fixedText.substr(0, fixedText.size() - 1) +
-                                                    ": unable to parse connection string.");
+    throw TStoreError(TStoreErrorKind::Connect,
+                      fixedText.substr(0, fixedText.size() - 1) + ": unable to parse connection string.");
   bson_error_t error{};
   TMongoClientPtr client(mongoc_client_new_from_uri_with_error(uri.get(), &error));
   if (!client) throw TStoreError(TStoreErrorKind::Connect, fixedText, detailOf(error));
@@ -69,8 +71,8 @@ TMongoClientPtr connectMongo(const TStoreOptions& options, const std::string& fi
   const TBsonPtr ping(bson_new());
   BSON_APPEND_INT32(ping.get(), "ping", 1);
   const std::string database = textMember(record, "database");
-  if (!mongoc_client_command_simple(client.get(), database.empty() ? "admin" : database.c_str(), ping.get(), nullptr,
-                                    nullptr, &error))
+  if (!mongoc_client_command_simple(client.get(), database.empty() ? "admin" : database.c_str(), ping.get(),
+                                    nullptr, nullptr, &error))
     throw TStoreError(TStoreErrorKind::Connect, fixedText, detailOf(error));
   return client;
 }

@@ -22,8 +22,12 @@ class TMongoConnector : public TStoreConnector {
   }
 
   // The run control says which side it is; the detail is all it needs.
-  void checkSource(const TStoreOptions& options) const override { check(options, "Unable to connect to source MongoDB."); }
-  void checkTarget(const TStoreOptions& options) const override { check(options, "Unable to connect to target MongoDB."); }
+  void checkSource(const TStoreOptions& options) const override {
+    check(options, "Unable to connect to source MongoDB.");
+  }
+  void checkTarget(const TStoreOptions& options) const override {
+    check(options, "Unable to connect to target MongoDB.");
+  }
 
   std::int64_t count(const TStoreOptions& options, const TDataSource& source) const override;
 

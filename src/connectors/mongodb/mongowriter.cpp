@@ -55,7 +55,8 @@ TMongoWriter::TMongoWriter(const TStoreOptions& options)
 
 void TMongoWriter::openTarget(const TDataTarget& target) {
   if (database_.empty() || target.target.empty())
-    throw TStoreError(TStoreErrorKind::DataSource, "Data target " + target.name + " names no MongoDB collection.");
+    throw TStoreError(TStoreErrorKind::DataSource,
+                      "Data target " + target.name + " names no MongoDB collection.");
   collection_.reset(mongoc_client_get_collection(client_.get(), database_.c_str(), target.target.c_str()));
 }
 
@@ -79,7 +80,8 @@ bool TMongoWriter::encode(const TObject& document, TOutcomeSink& sink) {
     JsonToBson(document, scratch_.get(), dates_);
     if (scratch_->len <= largestDocument) return true;
     sink.refused(toJson(document), "The document is " + std::to_string(scratch_->len) +
-                                       " bytes long; MongoDB takes at most " + std::to_string(largestDocument) + ".");
+                                       " bytes long; MongoDB takes at most " +
+                                       std::to_string(largestDocument) + ".");
   } catch (const std::runtime_error& error) {
     sink.refused(toJson(document), error.what());
   }
