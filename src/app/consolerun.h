@@ -12,7 +12,8 @@ namespace hollowmere {
 /// Says everything on a stream and answers yes: nobody is there to be asked.
 class TConsolePrompt : public TPrompt {
  public:
-  explicit TConsolePrompt(std::ostream& out, std::string prefix = {}) : out_(out), prefix_(std::move(prefix)) {}
+  explicit TConsolePrompt(std::ostream& out, std::string prefix = {})
+      : out_(out), prefix_(std::move(prefix)) {}
   TAnswer ask(TPromptKind kind, const std::string& text, TButtons buttons) override;
 
  private:
@@ -40,7 +41,8 @@ bool interrupted();
 TBackground consoleBackground(TMainThread& mainThread);
 
 /// Runs a project to its end on the calling thread, or until a signal stops the load. Gives the exit code.
-int runOnConsole(TRunControl& control, TMainThread& mainThread, std::ostream& out, const TConsoleOptions& options);
+int runOnConsole(TRunControl& control, TMainThread& mainThread, std::ostream& out,
+                 const TConsoleOptions& options);
 
 /// The unattended run of a project file: 0 after a run to its end, 1 when it could not be started; the
 /// message is on standard error then.

@@ -40,8 +40,13 @@ TProject openProject(TProgram& program, const TCall& call) {
 }
 
 TRunServices makeServices(TProgram& program, const TCall& call, TMainThread& mainThread) {
-  return {program.stores, call.prompt, mainThread, program.clock, program.dates,
-          static_cast<std::size_t>(program.settings.bufLen), consoleBackground(mainThread)};
+  return {program.stores,
+          call.prompt,
+          mainThread,
+          program.clock,
+          program.dates,
+          static_cast<std::size_t>(program.settings.bufLen),
+          consoleBackground(mainThread)};
 }
 
 void addCounts(TObject& object, const TLoadCounts& counts) {
@@ -112,18 +117,21 @@ std::int64_t rowLimit(const TCommandLine& line) {
   return limit;
 }
 
-/// Prints the documents of one root mapping; false when a row has no document.
+/// Prints the documents of one root mapping as a file target would hold them; false when a row has no
+/// document.
 bool printPreview(TSourceReader& reader, const TProject& project, const TMapNode& mapping,
                   const TDateTimeText& dates, std::int64_t limit, const TCliStreams& streams) {
+  const bool toFile = project.target.connection.is(TKind::Text);
   bool good = true;
-  previewMapping(reader, project.dataSources, mapping, project.ignoreNulls, dates, limit, [&](TPreviewRow&& row) {
-    if (row.error.empty())
-      streams.out << toJson(row.document) << '\n';
-    else
-      streams.err << mapping.source << ", row " << row.number << ": " << row.error << '\n';
-    good = good && row.error.empty();
-    return static_cast<bool>(streams.out);
-  });
+  previewMapping(reader, project.dataSources, mapping, project.ignoreNulls, dates, limit,
+                 [&](TPreviewRow&& row) {
+                   if (row.error.empty())
+                     streams.out << toJson(row.document, toFile ? TTextForm::Markers : TTextForm::Plain) << '\n';
+                   else
+                     streams.err << mapping.source << ", row " << row.number << ": " << row.error << '\n';
+                   good = good && row.error.empty();
+                   return static_cast<bool>(streams.out);
+                 });
   return good;
 }
 

@@ -20,12 +20,12 @@ struct TNodePlan {
   std::string source;
   std::string target;
   TTargetType type = TTargetType::String;
-  bool isId = false;             ///< the target is "_id"
-  bool isParentReference = false;  ///< the source names a field of the parent document
-  bool takesLast = false;        ///< no later sibling reads this field: it may be moved
+  bool isId = false;                     ///< the target is "_id"
+  bool isParentReference = false;        ///< the source names a field of the parent document
+  bool takesLast = false;                ///< no later sibling reads this field: it may be moved
   std::vector<std::string> dataSources;  ///< names in the source of a data source node
   std::vector<TNodePlan> children;
-  bool queriesBelow = false;  ///< some child is a data source node
+  bool queriesBelow = false;      ///< some child is a data source node
   mutable std::size_t place = 0;  ///< where the field stood in the last row; a plan belongs to one thread
 };
 
@@ -33,8 +33,7 @@ struct TNodePlan {
 TNodePlan makePlan(const TMapNode& node);
 
 /// Runs a nested query for the assembler: data source name, parent row, row taker. Throws TStoreError.
-using TNestedQuery =
-    std::function<void(const std::string& name, const TObject& parent, const TRowSink& row)>;
+using TNestedQuery = std::function<void(const std::string& name, const TObject& parent, const TRowSink& row)>;
 
 /// Turns rows into target documents by a mapping tree. Keeps a JSON reader: one assembler a thread.
 class TAssembler {

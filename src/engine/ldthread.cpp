@@ -47,7 +47,7 @@ TLdThread::~TLdThread() = default;
 
 void TLdThread::execute() {
   try {
-    log(ldtexts::started + dates_.localText(clock_.now()));
+    log(ldtexts::started + timeText());
     log(ldtexts::initializing);
     initConnections();
     log(ldtexts::connected);
@@ -120,8 +120,7 @@ bool TLdThread::loadMapConfig() {
   const TDataSource* source = getDSbyName(node.source);
   if (!source) throw TStoreError(TStoreErrorKind::DataSource, ldtexts::noRootSource + node.source);
   const TDataTarget* target = getDTbyName(node.target);
-  if (!target)
-    throw TStoreError(TStoreErrorKind::DataSource, "Unable to find data target: " + node.target);
+  if (!target) throw TStoreError(TStoreErrorKind::DataSource, "Unable to find data target: " + node.target);
   plans_.assign(1, makePlan(node));
   share_ = makeShare(*source);
   reader_->openRoot(*source, share_);
@@ -138,7 +137,8 @@ TShare TLdThread::makeShare(const TDataSource& source) {
   // Not counted: one thread reads to the end, several would not know their parts.
   if (!config_.counted && config_.degree == 1) return share;
   const std::int64_t count = getDSCountByName(source.name);
-  if (count == 0) throw TStoreError(TStoreErrorKind::DataSource, ldtexts::dataSource + source.name + ldtexts::noRows);
+  if (count == 0)
+    throw TStoreError(TStoreErrorKind::DataSource, ldtexts::dataSource + source.name + ldtexts::noRows);
   if (config_.degree > count)
     throw TStoreError(TStoreErrorKind::DataSource, ldtexts::degreeTooHigh + source.name);
   std::int64_t rows = count / config_.degree;
@@ -248,7 +248,7 @@ void TLdThread::writeCounts(const char* prefix, const TLoadCounts& counts) {
 }
 
 void TLdThread::writeEnd() {
-  log((stop_.isSet() ? ldtexts::cancelled : ldtexts::finished) + dates_.localText(clock_.now()));
+  log((stop_.isSet() ? ldtexts::cancelled : ldtexts::finished) + timeText());
   writeCounts("Total ", totals_);
   log(ldtexts::separator);
   forceFlush();
@@ -305,9 +305,12 @@ std::string TLdThread::getSASLPwdByName(std::string_view name) const {
 
 void TLdThread::log(const std::string& message) {
   if (isBlank(message) || config_.label.empty()) return;
-  queue_.addLog(dates_.localText(clock_.now()) + ": " + config_.label + ": " + message);
+  queue_.addLog(timeText() + ": " + config_.label + ": " + message);
   writeToFiles();
 }
+
+/// Whole seconds: lines stand in columns.
+std::string TLdThread::timeText() const { return dates_.localText(clock_.now() / 1000 * 1000); }
 
 void TLdThread::disc(std::string text) {
   if (isBlank(text)) return;

@@ -104,6 +104,7 @@ class TLdThread : private TOutcomeSink {
 
   void log(const std::string& message);
   void disc(std::string text);
+  [[nodiscard]] std::string timeText() const;
   void writeToFiles();
   void forceFlush();
 

@@ -11,8 +11,8 @@ namespace {
 
 const TDataSource& findSource(const std::vector<TDataSource>& sources, const std::string& name,
                               TStoreErrorKind kind, const char* text) {
-  const auto found =
-      std::find_if(sources.begin(), sources.end(), [&](const TDataSource& source) { return source.name == name; });
+  const auto found = std::find_if(sources.begin(), sources.end(),
+                                  [&](const TDataSource& source) { return source.name == name; });
   if (found == sources.end()) throw TStoreError(kind, text + name);
   return *found;
 }
@@ -43,11 +43,10 @@ void previewMapping(TSourceReader& reader, const std::vector<TDataSource>& sourc
                     const std::function<bool(TPreviewRow&&)>& take) {
   const TDataSource& root =
       findSource(sources, mapping.source, TStoreErrorKind::DataSource, ldtexts::noRootSource);
-  TAssembler assembler(ignoreNulls, dates,
-                       [&](const std::string& name, const TObject& parent, const TRowSink& row) {
-                         reader.nested(findSource(sources, name, TStoreErrorKind::Read, ldtexts::noSource),
-                                       parent, row);
-                       });
+  TAssembler assembler(
+      ignoreNulls, dates, [&](const std::string& name, const TObject& parent, const TRowSink& row) {
+        reader.nested(findSource(sources, name, TStoreErrorKind::Read, ldtexts::noSource), parent, row);
+      });
   const TNodePlan plan = makePlan(mapping);
   reader.openRoot(root, {});
   for (std::int64_t number = 1; number <= limit; ++number) {

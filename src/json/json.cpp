@@ -2,6 +2,7 @@
 
 #include <simdjson.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <utility>
@@ -12,6 +13,7 @@ namespace hollowmere {
 
 namespace {
 
+namespace dom = simdjson::dom;
 namespace ondemand = simdjson::ondemand;
 
 /// Thrown inside this file only: the fast reader refused; jsonfault says where and why.
@@ -19,14 +21,17 @@ struct TRefused {
   const char* reason;
 };
 
+bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+
 std::string_view trimmed(std::string_view token) {
-  constexpr std::string_view blanks = " \t\r\n";
-  const std::size_t first = token.find_first_not_of(blanks);
-  if (first == std::string_view::npos) return {};
-  return token.substr(first, token.find_last_not_of(blanks) - first + 1);
+  while (!token.empty() && isBlank(token.front())) token.remove_prefix(1);
+  while (!token.empty() && isBlank(token.back())) token.remove_suffix(1);
+  return token;
 }
 
-bool isInteger(std::string_view token) { return token.find_first_of(".eE") == std::string_view::npos; }
+bool isInteger(std::string_view token) {
+  return std::none_of(token.begin(), token.end(), [](char c) { return c == '.' || c == 'e' || c == 'E'; });
+}
 
 /// A number that is the whole text, in JSON's grammar.
 TValue numberValue(std::string_view token) {
@@ -47,9 +52,10 @@ T need(simdjson::simdjson_result<T>&& result) {
   return std::move(result).value_unsafe();
 }
 
-class TBuilder {
+/// Reads any JSON, with each number's own text at hand.
+class TExactBuilder {
  public:
-  explicit TBuilder(std::size_t depthLimit) : depthLimit_(depthLimit) {}
+  explicit TExactBuilder(std::size_t depthLimit) : depthLimit_(depthLimit) {}
 
   /// Builds into a value that is still null, in its place: values are many, and moving them costs.
   template <typename T>  // an ondemand document or value
@@ -59,7 +65,7 @@ class TBuilder {
         buildObject(out.makeObject(), need(at.get_object()), depth + 1);
         return;
       case ondemand::json_type::array: buildList(out.makeList(), need(at.get_array()), depth + 1); return;
-      case ondemand::json_type::string: out.makeText() = need(at.get_string()); return;
+      case ondemand::json_type::string: out.makeText(need(at.get_string())); return;
       case ondemand::json_type::number: out = buildNumber(at); return;
       case ondemand::json_type::boolean: out = TValue(need(at.get_bool())); return;
       case ondemand::json_type::null:
@@ -72,7 +78,6 @@ class TBuilder {
  private:
   void buildObject(TObject& object, ondemand::object at, std::size_t depth) {
     checkDepth(depth);
-    object.reserve(8);
     for (auto item : at) {
       auto field = need(std::move(item));
       TMember& member = object.addNull(need(field.unescaped_key()));
@@ -90,14 +95,14 @@ class TBuilder {
 
   static TValue buildNumber(ondemand::value& at) {
     // The raw text is taken before the value, which moves past it.
-    const std::string_view token = trimmed(at.raw_json_token());
-    std::int64_t integer = 0;
-    if (at.get_int64().get(integer) == simdjson::SUCCESS) {
-      if (integer == 0 && token.front() == '-') return -0.0;
+    const std::string_view raw = at.raw_json_token();
+    const bool whole = isInteger(raw);
+    if (std::int64_t integer = 0; whole && at.get_int64().get(integer) == simdjson::SUCCESS) {
+      if (integer == 0 && raw.front() == '-') return -0.0;
       return integer;
     }
-    double number = 0;
-    if (!isInteger(token) && at.get_double().get(number) == simdjson::SUCCESS) return number;
+    if (double number = 0; !whole && at.get_double().get(number) == simdjson::SUCCESS) return number;
+    const std::string_view token = trimmed(raw);
     if (!isJsonNumber(token)) throw TRefused{"not a JSON number"};
     return TValue::decimal(std::string(token));
   }
@@ -112,12 +117,92 @@ class TBuilder {
   std::size_t depthLimit_;
 };
 
+/// Builds from a tree that is known to be good and how large each part of it is. Does not know how numbers
+/// were written.
+class TQuickBuilder {
+ public:
+  explicit TQuickBuilder(std::size_t depthLimit) : depthLimit_(depthLimit) {}
+
+  /// Builds into a null; false when it is nested too deep.
+  bool build(TValue& out, dom::element at, std::size_t depth = 0) {
+    switch (at.type()) {
+      case dom::element_type::OBJECT:
+        return buildObject(out.makeObject(), at.get_object().value_unsafe(), depth + 1);
+      case dom::element_type::ARRAY:
+        return buildList(out.makeList(), at.get_array().value_unsafe(), depth + 1);
+      case dom::element_type::STRING: out.makeText(at.get_string().value_unsafe()); break;
+      case dom::element_type::INT64: out = buildInt(at.get_int64().value_unsafe()); break;
+      case dom::element_type::UINT64:
+        out = TValue::decimal(std::to_string(at.get_uint64().value_unsafe()));
+        break;
+      case dom::element_type::DOUBLE: out = TValue(at.get_double().value_unsafe()); break;
+      case dom::element_type::BOOL: out = TValue(at.get_bool().value_unsafe()); break;
+      case dom::element_type::NULL_VALUE: break;
+    }
+    return true;
+  }
+
+  /// Whether some integer was 0: it may have been written with a sign.
+  [[nodiscard]] bool sawZero() const { return sawZero_; }
+
+ private:
+  bool buildObject(TObject& object, dom::object at, std::size_t depth) {
+    if (depth > depthLimit_) return false;
+    object.reserve(at.size());
+    for (const auto& [name, value] : at)
+      if (!build(object.addNull(name).value, value, depth)) return false;
+    return true;
+  }
+
+  bool buildList(TList& list, dom::array at, std::size_t depth) {
+    if (depth > depthLimit_) return false;
+    list.reserve(at.size());
+    for (const dom::element element : at)
+      if (!build(list.emplace_back(), element, depth)) return false;
+    return true;
+  }
+
+  TValue buildInt(std::int64_t number) {
+    sawZero_ = sawZero_ || number == 0;
+    return number;
+  }
+
+  std::size_t depthLimit_;
+  bool sawZero_ = false;
+};
+
+/// Whether the integer "-0" stands somewhere in the text (or what looks like it).
+bool mayHoldNegativeZero(std::string_view text) {
+  constexpr std::string_view further = "0123456789.eE";
+  for (std::size_t at = 0; (at = text.find("-0", at)) != std::string_view::npos; at += 2)
+    if (at + 2 == text.size() || further.find(text[at + 2]) == std::string_view::npos) return true;
+  return false;
+}
+
 }  // namespace
 
 struct TJsonReader::TParser {
   explicit TParser(std::size_t limit) : depthLimit(limit) {}
 
-  ondemand::parser parser;
+  /// False for a text that must be read exactly, or that is not good.
+  bool readQuickly(TValue& out, std::string_view text) {
+    dom::element root;
+    if (quick.parse(padded.data(), text.size(), false).get(root) != simdjson::SUCCESS) return false;
+    TQuickBuilder builder(depthLimit);
+    return builder.build(out, root) && !(builder.sawZero() && mayHoldNegativeZero(text));
+  }
+
+  TValue readExactly(std::string_view text) {
+    auto document = need(exact.iterate(padded.data(), text.size(), padded.size()));
+    TValue value;
+    TExactBuilder(depthLimit).build(value, document, 0);
+    if (document.current_location().error() != simdjson::OUT_OF_BOUNDS)
+      throw TRefused{"more text behind the value"};
+    return value;
+  }
+
+  dom::parser quick;
+  ondemand::parser exact;
   std::vector<char> padded;
   std::size_t depthLimit;
 };
@@ -144,13 +229,9 @@ TValue TJsonReader::read(std::string_view text) {
     padded.resize(text.size() * 2 + simdjson::SIMDJSON_PADDING);
   std::memcpy(padded.data(), text.data(), text.size());
   std::memset(padded.data() + text.size(), ' ', simdjson::SIMDJSON_PADDING);
+  if (TValue value; parser_->readQuickly(value, text)) return value;
   try {
-    auto document = need(parser_->parser.iterate(padded.data(), text.size(), padded.size()));
-    TValue value;
-    TBuilder(parser_->depthLimit).build(value, document, 0);
-    if (document.current_location().error() != simdjson::OUT_OF_BOUNDS)
-      throw TRefused{"more text behind the value"};
-    return value;
+    return parser_->readExactly(text);
   } catch (const TRefused& refused) {
     throwJsonFault(text, parser_->depthLimit, refused.reason);
   }

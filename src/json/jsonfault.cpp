@@ -37,6 +37,12 @@ constexpr unsigned strictFlags = rapidjson::kParseValidateEncodingFlag | rapidjs
 
 bool digit(char c) { return c >= '0' && c <= '9'; }
 
+/// The place of the fault follows behind the text.
+std::string withoutFullStop(std::string text) {
+  if (text.ends_with('.')) text.pop_back();
+  return text;
+}
+
 std::size_t skipDigits(std::string_view text, std::size_t at) {
   while (at < text.size() && digit(text[at])) ++at;
   return at;
@@ -52,7 +58,7 @@ void throwJsonFault(std::string_view text, std::size_t depthLimit, const char* f
   const rapidjson::ParseResult result = reader.Parse<strictFlags>(input, watch);
   if (result.Code() == rapidjson::kParseErrorTermination)
     throw TJsonError("nested deeper than " + std::to_string(depthLimit) + " levels", result.Offset());
-  if (result.IsError()) throw TJsonError(rapidjson::GetParseError_En(result.Code()), result.Offset());
+  if (result.IsError()) throw TJsonError(withoutFullStop(rapidjson::GetParseError_En(result.Code())), result.Offset());
   throw TJsonError(fallback, text.size());
 }
 

@@ -27,23 +27,12 @@ std::string_view kindName(TKind kind) {
 
 TValue::TValue(const TValue& other) { copyFrom(other); }
 
-TValue::TValue(TValue&& other) noexcept { moveFrom(other); }
-
 TValue& TValue::operator=(const TValue& other) {
   if (this != &other) {
     // Copied first: the other may be a part of this value.
     TValue copy(other);
     if (kind_ >= TKind::Text) destroy();
     moveFrom(copy);
-  }
-  return *this;
-}
-
-TValue& TValue::operator=(TValue&& other) noexcept {
-  if (this != &other) {
-    TValue taken(std::move(other));
-    if (kind_ >= TKind::Text) destroy();
-    moveFrom(taken);
   }
   return *this;
 }
@@ -59,28 +48,21 @@ void TValue::destroy() noexcept {
   }
 }
 
-void TValue::moveFrom(TValue& other) noexcept {
-  kind_ = other.kind_;
-  subtype_ = other.subtype_;
+void TValue::moveLarge(TValue& other) noexcept {
   switch (kind_) {
-    case TKind::Null: int_ = 0; break;
-    case TKind::Boolean: bool_ = other.bool_; break;
-    case TKind::Int:
-    case TKind::DateTime: int_ = other.int_; break;
-    case TKind::Double: double_ = other.double_; break;
-    case TKind::ObjectId: objectId_ = other.objectId_; break;
     case TKind::Text:
     case TKind::Binary:
     case TKind::Decimal: std::construct_at(&text_, std::move(other.text_)); break;
     case TKind::List: std::construct_at(&list_, std::move(other.list_)); break;
     case TKind::Object: std::construct_at(&object_, std::move(other.object_)); break;
+    default: objectId_ = other.objectId_; break;
   }
 }
 
 void TValue::copyFrom(const TValue& other) {
   switch (other.kind_) {
     case TKind::Null: int_ = 0; break;
-    case TKind::Boolean: bool_ = other.bool_; break;
+    case TKind::Boolean:
     case TKind::Int:
     case TKind::DateTime: int_ = other.int_; break;
     case TKind::Double: double_ = other.double_; break;
@@ -120,66 +102,11 @@ TValue TValue::wideInt(std::int64_t number) {
   return value;
 }
 
-bool TValue::asBool() const {
-  assert(is(TKind::Boolean));
-  return bool_;
-}
-
-std::int64_t TValue::asInt() const {
-  assert(is(TKind::Int));
-  return int_;
-}
-
-double TValue::asDouble() const {
-  assert(is(TKind::Double));
-  return double_;
-}
-
-const std::string& TValue::asText() const {
-  assert(is(TKind::Text) || is(TKind::Binary) || is(TKind::Decimal));
-  return text_;
-}
-
-std::string& TValue::asText() {
-  assert(is(TKind::Text) || is(TKind::Binary) || is(TKind::Decimal));
-  return text_;
-}
-
-std::int64_t TValue::asMilliseconds() const {
-  assert(is(TKind::DateTime));
-  return int_;
-}
-
-const TObjectId& TValue::asObjectId() const {
-  assert(is(TKind::ObjectId));
-  return objectId_;
-}
-
-const TList& TValue::asList() const {
-  assert(is(TKind::List));
-  return list_;
-}
-
-TList& TValue::asList() {
-  assert(is(TKind::List));
-  return list_;
-}
-
-const TObject& TValue::asObject() const {
-  assert(is(TKind::Object));
-  return object_;
-}
-
-TObject& TValue::asObject() {
-  assert(is(TKind::Object));
-  return object_;
-}
-
 bool TValue::operator==(const TValue& other) const {
   if (kind_ != other.kind_) return false;
   switch (kind_) {
     case TKind::Null: return true;
-    case TKind::Boolean: return bool_ == other.bool_;
+    case TKind::Boolean:
     case TKind::Int:
     case TKind::DateTime: return int_ == other.int_;
     case TKind::Double: return double_ == other.double_ || (std::isnan(double_) && std::isnan(other.double_));

@@ -91,7 +91,7 @@ class TValue {
  public:
   TValue() noexcept : kind_(TKind::Null), int_(0) {}
   TValue(std::nullptr_t) noexcept : TValue() {}
-  TValue(bool value) noexcept : kind_(TKind::Boolean), bool_(value) {}
+  TValue(bool value) noexcept : kind_(TKind::Boolean), int_(value) {}
   TValue(int value) noexcept : kind_(TKind::Int), int_(value) {}
   TValue(std::int64_t value) noexcept : kind_(TKind::Int), int_(value) {}
   TValue(double value) noexcept : kind_(TKind::Double), double_(value) {}
@@ -102,9 +102,16 @@ class TValue {
   TValue(TObject value) noexcept : kind_(TKind::Object), object_(std::move(value)) {}
   TValue(const TObjectId& value) noexcept : kind_(TKind::ObjectId), objectId_(value) {}
   TValue(const TValue& other);
-  TValue(TValue&& other) noexcept;
+  TValue(TValue&& other) noexcept { moveFrom(other); }
   TValue& operator=(const TValue& other);
-  TValue& operator=(TValue&& other) noexcept;
+  TValue& operator=(TValue&& other) noexcept {
+    if (this == &other) return *this;
+    // Taken first: the other may be a part of this value.
+    TValue taken(std::move(other));
+    if (kind_ >= TKind::Text) destroy();
+    moveFrom(taken);
+    return *this;
+  }
   ~TValue() {
     if (kind_ >= TKind::Text) destroy();
   }
@@ -124,21 +131,54 @@ class TValue {
   [[nodiscard]] std::uint8_t subtype() const { return subtype_; }
 
   // Each may be called only on a value of its kind (an assertion, not an error).
-  [[nodiscard]] bool asBool() const;
-  [[nodiscard]] std::int64_t asInt() const;
-  [[nodiscard]] double asDouble() const;
+  [[nodiscard]] bool asBool() const {
+    assert(is(TKind::Boolean));
+    return int_ != 0;
+  }
+  [[nodiscard]] std::int64_t asInt() const {
+    assert(is(TKind::Int));
+    return int_;
+  }
+  [[nodiscard]] double asDouble() const {
+    assert(is(TKind::Double));
+    return double_;
+  }
   /// Text, Decimal (its digits) and Binary (its bytes).
-  [[nodiscard]] const std::string& asText() const;
-  std::string& asText();
-  [[nodiscard]] std::int64_t asMilliseconds() const;
-  [[nodiscard]] const TObjectId& asObjectId() const;
-  [[nodiscard]] const TList& asList() const;
-  TList& asList();
-  [[nodiscard]] const TObject& asObject() const;
-  TObject& asObject();
+  [[nodiscard]] const std::string& asText() const {
+    assert(hasText());
+    return text_;
+  }
+  std::string& asText() {
+    assert(hasText());
+    return text_;
+  }
+  [[nodiscard]] std::int64_t asMilliseconds() const {
+    assert(is(TKind::DateTime));
+    return int_;
+  }
+  [[nodiscard]] const TObjectId& asObjectId() const {
+    assert(is(TKind::ObjectId));
+    return objectId_;
+  }
+  [[nodiscard]] const TList& asList() const {
+    assert(is(TKind::List));
+    return list_;
+  }
+  TList& asList() {
+    assert(is(TKind::List));
+    return list_;
+  }
+  [[nodiscard]] const TObject& asObject() const {
+    assert(is(TKind::Object));
+    return object_;
+  }
+  TObject& asObject() {
+    assert(is(TKind::Object));
+    return object_;
+  }
 
-  // Turns a null into the empty value of a kind and hands that out, to be filled in its place.
-  std::string& makeText();
+  // Turns a null into a text, or the empty value of a kind, and hands that out, to be filled in its place.
+  std::string& makeText(std::string_view text = {});
   TList& makeList();
   TObject& makeObject();
 
@@ -146,15 +186,24 @@ class TValue {
   bool operator==(const TValue& other) const;
 
  private:
+  [[nodiscard]] bool hasText() const { return is(TKind::Text) || is(TKind::Binary) || is(TKind::Decimal); }
   void destroy() noexcept;
-  void moveFrom(TValue& other) noexcept;
+  /// Into a value that holds nothing to destroy. Moved on every step from reader to writer, so in line.
+  void moveFrom(TValue& other) noexcept {
+    kind_ = other.kind_;
+    subtype_ = other.subtype_;
+    if (kind_ < TKind::Text)
+      int_ = other.int_;  // also the bytes of a double
+    else
+      moveLarge(other);
+  }
+  void moveLarge(TValue& other) noexcept;
   void copyFrom(const TValue& other);
 
   TKind kind_;
   std::uint8_t subtype_ = 0;
   union {
-    bool bool_;
-    std::int64_t int_;
+    std::int64_t int_;  ///< also of a Boolean and a DateTime
     double double_;
     TObjectId objectId_;
     std::string text_;
@@ -177,15 +226,19 @@ inline TValue& TObject::add(std::string name, TValue value) {
 }
 
 inline TMember& TObject::addNull(std::string_view name) {
-  TMember& member = members_.emplace_back();
-  member.name = name;
-  return member;
+  // Becomes the text in its place: even a short text that is moved is copied once more.
+  struct TToText {
+    std::string_view text;
+    operator std::string() const { return std::string(text); }
+  };
+  return members_.emplace_back(TToText{name}, TValue());
 }
 
-inline std::string& TValue::makeText() {
+inline std::string& TValue::makeText(std::string_view text) {
   assert(isNull());
+  std::construct_at(&text_, text);
   kind_ = TKind::Text;
-  return *std::construct_at(&text_);
+  return text_;
 }
 
 inline TList& TValue::makeList() {

@@ -18,7 +18,8 @@ void setField(TProject& project, const TProjectField& field, const std::string& 
   } else {
     std::int64_t number = 0;
     const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (fault != std::errc() || end != text.data() + text.size() || number < field.lowest || number > field.highest)
+    if (fault != std::errc() || end != text.data() + text.size() || number < field.lowest ||
+        number > field.highest)
       throw TProjectError(key + " must be a number from " + std::to_string(field.lowest) + " to " +
                           std::to_string(field.highest) + ", not \"" + text + "\"");
     project.*std::get<std::int64_t TProject::*>(field.member) = number;

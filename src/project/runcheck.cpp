@@ -48,7 +48,8 @@ std::string checkNode(const TProject& project, const TNodePlan& node) {
       return "The source attribute " + quoted(child.source) + " of " + quoted(node.source) +
              " is mapped to no target attribute.";
     for (const std::string& name : child.dataSources)
-      if (!sourceExists(project, name)) return "Data source " + quoted(name) + " is not found or not defined.";
+      if (!sourceExists(project, name))
+        return "Data source " + quoted(name) + " is not found or not defined.";
     if (std::string fault = checkNode(project, child); !fault.empty()) return fault;
   }
   return {};
@@ -59,7 +60,8 @@ bool maps(const TNodePlan& node, const std::string& field) {
                      [&](const TNodePlan& child) { return equalIgnoringCase(child.target, field); });
 }
 
-std::string checkTypes(const TProject& project, const TStoreConnector* source, const TStoreConnector* target) {
+std::string checkTypes(const TProject& project, const TStoreConnector* source,
+                       const TStoreConnector* target) {
   if (project.source.dbType.empty()) return runtexts::noSourceType;
   if (project.target.dbType.empty()) return runtexts::noTargetType;
   const bool sourceIsFile = source && source->traits().connectionIsText;
@@ -124,7 +126,8 @@ std::string checkProject(const TProject& project, const TStoreRegistry& stores, 
   return checkMapping(project, *source, *target);
 }
 
-std::string checkMapping(const TProject& project, const TStoreConnector& source, const TStoreConnector& target) {
+std::string checkMapping(const TProject& project, const TStoreConnector& source,
+                         const TStoreConnector& target) {
   for (const TMapNode& root : project.mapping) {
     if (!targetExists(project, root.target)) return runtexts::noTarget + root.target;
     TNodePlan plan;
@@ -135,7 +138,8 @@ std::string checkMapping(const TProject& project, const TStoreConnector& source,
     }
     if (const auto& required = target.traits().requiredField; required && !maps(plan, required->name))
       return required->message + root.target;
-    if (!sourceExists(project, root.source)) return "Data source " + quoted(root.source) + " is not found or not defined.";
+    if (!sourceExists(project, root.source))
+      return "Data source " + quoted(root.source) + " is not found or not defined.";
     if (std::string fault = checkNode(project, plan); !fault.empty()) return fault;
   }
   for (const TDataSource& data : project.dataSources) {

@@ -20,6 +20,7 @@ std::string checkProject(const TProject& project, const TStoreRegistry& stores, 
                          const std::function<void(const std::function<void()>&)>& background);
 
 /// The part of it that needs no connection: the mapping against the lists.
-std::string checkMapping(const TProject& project, const TStoreConnector& source, const TStoreConnector& target);
+std::string checkMapping(const TProject& project, const TStoreConnector& source,
+                         const TStoreConnector& target);
 
 }  // namespace hollowmere

@@ -103,9 +103,9 @@ void TRunControl::countSources() {
   options.stop = &stopChecks_;
   for (TDataSource& source : project_.dataSources) {
     source.count = 0;
-    const bool isRoot = std::any_of(project_.mapping.begin(), project_.mapping.end(),
-                                    [&](const TMapNode& root) { return root.source == source.name; });
-    if (!isRoot) continue;
+    const auto mappings = std::count_if(project_.mapping.begin(), project_.mapping.end(),
+                                        [&](const TMapNode& root) { return root.source == source.name; });
+    if (mappings == 0) continue;
     if (project_.skipCount) {
       log(runtexts::rootSource + source.name + runtexts::notCounted);
       continue;
@@ -117,7 +117,8 @@ void TRunControl::countSources() {
     }
     const char* unit = store->traits().countsBytes ? runtexts::bytes : runtexts::rows;
     log(runtexts::rootSource + source.name + runtexts::returns + std::to_string(source.count) + unit);
-    maximum_ += source.count;
+    // Each of its mappings reads the source once.
+    maximum_ += source.count * mappings;
   }
 }
 
@@ -125,7 +126,7 @@ void TRunControl::makeThreads() {
   for (int number = 1; number <= project_.degree; ++number) {
     TLdConfig config;
     config.label = "Thread#" + std::to_string(number);
-    log(services_.dates.localText(services_.clock.now()) + runtexts::startInit + config.label);
+    log(services_.dates.localText(services_.clock.now() / 1000 * 1000) + runtexts::startInit + config.label);
     config.threadNumber = number;
     config.degree = static_cast<int>(project_.degree);
     config.sourceType = project_.source.dbType;
@@ -140,8 +141,9 @@ void TRunControl::makeThreads() {
     config.bufferBytes = services_.bufferBytes;
     config.ignoreNulls = project_.ignoreNulls;
     config.counted = !project_.skipCount;
-    loads_.push_back(std::make_unique<TLdThread>(std::move(config), services_.stores, static_cast<TLoadHost&>(*this),
-                                                 services_.mainThread, services_.clock, services_.dates));
+    loads_.push_back(std::make_unique<TLdThread>(std::move(config), services_.stores,
+                                                 static_cast<TLoadHost&>(*this), services_.mainThread,
+                                                 services_.clock, services_.dates));
     log(runtexts::initializingOf + loads_.back()->label() + runtexts::completed);
   }
 }
@@ -262,12 +264,14 @@ void TRunControl::disc(const std::string& lines) { writeLine(disc_, lines); }
 void TRunControl::writeLine(TAppendFile& file, const std::string& line) {
   const std::string reason = file.append(line);
   if (reason.empty() || !fileFault_.empty()) return;
-  fileFault_ = "Unable to write to " + std::string(&file == &log_ ? "log file " : "discard file ") + file.name() +
-               runtexts::becauseOf + reason + ". The load operation is stopped.";
+  fileFault_ = "Unable to write to " + std::string(&file == &log_ ? "log file " : "discard file ") +
+               file.name() + runtexts::becauseOf + reason + ". The load operation is stopped.";
   flagThreads();
 }
 
-void TRunControl::addTotals(std::size_t mapping, const TLoadCounts& counts) { results_[mapping].counts += counts; }
+void TRunControl::addTotals(std::size_t mapping, const TLoadCounts& counts) {
+  results_[mapping].counts += counts;
+}
 
 std::string closeRefusal(const TRunControl* run) {
   return run && run->busy() ? runtexts::stillRunning : std::string();
@@ -275,7 +279,8 @@ std::string closeRefusal(const TRunControl* run) {
 
 std::string exitRefusal(const std::vector<const TRunControl*>& runs) {
   for (const TRunControl* run : runs)
-    if (run && run->busy()) return runtexts::runningBefore + run->project().projectName + runtexts::runningBehind;
+    if (run && run->busy())
+      return runtexts::runningBefore + run->project().projectName + runtexts::runningBehind;
   return {};
 }
 

@@ -46,7 +46,9 @@ struct TRunProgress {
 
   /// Documents processed a second.
   [[nodiscard]] double speed() const {
-    return milliseconds > 0 ? 1000.0 * static_cast<double>(counts.processed()) / static_cast<double>(milliseconds) : 0;
+    return milliseconds > 0
+               ? 1000.0 * static_cast<double>(counts.processed()) / static_cast<double>(milliseconds)
+               : 0;
   }
 };
 

@@ -143,6 +143,7 @@ TEST_F(TSettingsTest, TheOptionsDialogShowsAndTakesTexts) {
 }
 
 TEST(SettingsStore, IsTheUsersOwnUnlessMoved) {
+  qunsetenv("HOLLOWMERE_SETTINGS");
   const auto store = openSettingsStore();
   EXPECT_TRUE(store->fileName().endsWith("/TamsburySoftware/Hollowmere.conf"))
       << store->fileName().toStdString();

@@ -26,6 +26,8 @@ class TTempFolder {
 };
 
 inline void writeBytes(const std::string& path, const std::string& bytes) {
+  // A file that is cut and filled again is brought to the disk at once by some file systems: slow in loops.
+  std::filesystem::remove(path);
   std::ofstream(path, std::ios::binary) << bytes;
 }
 

@@ -46,10 +46,9 @@ class TJsonFileConnector : public TStoreConnector {
       throw TStoreError(TStoreErrorKind::Connect, "Unable to create target JSON file " + name + ":", reason);
   }
 
-  std::int64_t count(const TStoreOptions& options, const TDataSource& source) const override {
-    const bool named = source.definition.is(TKind::Text);
-    return QFileInfo(QString::fromStdString(jsonFileName(named ? source.definition : options.connection)))
-        .size();
+  /// The file that is read is the connection's; a data source only names it again.
+  std::int64_t count(const TStoreOptions& options, const TDataSource& /*source*/) const override {
+    return QFileInfo(QString::fromStdString(jsonFileName(options.connection))).size();
   }
 
  private:

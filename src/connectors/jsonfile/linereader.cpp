@@ -9,6 +9,8 @@ namespace hollowmere {
 
 namespace {
 
+constexpr std::size_t unknown = std::string::npos;
+
 std::size_t findByte(const std::string& buffer, char byte, std::size_t from, std::size_t to) {
   const void* at = from < to ? std::memchr(buffer.data() + from, byte, to - from) : nullptr;
   return at ? static_cast<std::size_t>(static_cast<const char*>(at) - buffer.data()) : to;
@@ -28,7 +30,8 @@ TLineReader::TLineReader(const std::string& path, std::size_t bufferBytes)
 
 void TLineReader::rewind() {
   file_.seek(0);
-  start_ = filled_ = scanned_ = nextLf_ = nextCr_ = 0;
+  start_ = filled_ = scanned_ = 0;
+  nextLf_ = nextCr_ = unknown;
   ended_ = passLf_ = false;
   lineNumber_ = filePosition_ = 0;
   passByteOrderMark();
@@ -58,8 +61,8 @@ TLineReader::TEnd TLineReader::findEnd() {
   for (;;) {
     // Both places are remembered: a file with one kind of line end is not searched for the other again
     // for every line.
-    if (nextLf_ < scanned_ || nextLf_ >= filled_) nextLf_ = findByte(buffer_, '\n', scanned_, filled_);
-    if (nextCr_ < scanned_ || nextCr_ >= filled_) nextCr_ = findByte(buffer_, '\r', scanned_, filled_);
+    if (nextLf_ < scanned_ || nextLf_ == unknown) nextLf_ = findByte(buffer_, '\n', scanned_, filled_);
+    if (nextCr_ < scanned_ || nextCr_ == unknown) nextCr_ = findByte(buffer_, '\r', scanned_, filled_);
     const std::size_t at = std::min(nextLf_, nextCr_);
     if (at < filled_) return {at, true};
     scanned_ = filled_;
@@ -79,16 +82,16 @@ bool TLineReader::fill() {
   }
   if (filled_ == buffer_.size()) {
     if (filled_ >= longestLine)
-      throw TStoreError(TStoreErrorKind::DataSource,
-                        "Line " + std::to_string(lineNumber_ + 1) + " of the source JSON file is longer than " +
-                            std::to_string(longestLine) + " bytes.");
+      throw TStoreError(TStoreErrorKind::DataSource, "Line " + std::to_string(lineNumber_ + 1) +
+                                                         " of the source JSON file is longer than " +
+                                                         std::to_string(longestLine) + " bytes.");
     buffer_.resize(std::min(longestLine, buffer_.size() * 2));
   }
   const qint64 got = file_.read(buffer_.data() + filled_, static_cast<qint64>(buffer_.size() - filled_));
   if (got < 0)
-    throw TStoreError(TStoreErrorKind::DataSource, "Unable to read the source JSON file:",
-                      file_.errorString().toStdString());
-  nextLf_ = nextCr_ = buffer_.size();  // to be looked for again
+    throw TStoreError(TStoreErrorKind::DataSource,
+                      "Unable to read the source JSON file:", file_.errorString().toStdString());
+  nextLf_ = nextCr_ = unknown;
   ended_ = got == 0;
   filled_ += static_cast<std::size_t>(got);
   return got > 0;

@@ -45,10 +45,11 @@ class TLineReader {
   std::size_t start_ = 0;  ///< first byte of the next line
   std::size_t filled_ = 0;
   std::size_t scanned_ = 0;  ///< no line end between start_ and here
-  std::size_t nextLf_ = 0;   ///< first LF at or after scanned_, as far as known
+  std::size_t nextLf_ =
+      0;  ///< first LF at or after scanned_; filled_: none; before scanned_ or npos: not known
   std::size_t nextCr_ = 0;
-  bool ended_ = false;   ///< the file has no more bytes
-  bool passLf_ = false;  ///< the line before ended in CR: an LF now belongs to it
+  bool ended_ = false;             ///< the file has no more bytes
+  bool passLf_ = false;            ///< the line before ended in CR: an LF now belongs to it
   std::int64_t filePosition_ = 0;  ///< of the buffer's first byte
   std::int64_t lineNumber_ = 0;
 };

@@ -36,14 +36,24 @@ class TBsonBuilder {
 
   void appendObject(const TObject& object, bson_t* out) {
     for (const TMember& member : object) {
-      // A key is a C string: what follows a zero byte would be lost.
-      if (std::memchr(member.name.data(), 0, member.name.size()))
-        refuse(member.name.c_str(), "has a name with a zero byte, which BSON cannot hold");
+      checkName(member.name);
       append(out, member.name, member.value, false);
     }
   }
 
  private:
+  static void checkName(const std::string& name) {
+    // A name is a C string: what follows a zero byte would be lost.
+    bool zero = false, beyondAscii = false;
+    for (const char c : name) {
+      zero = zero || c == 0;
+      beyondAscii = beyondAscii || (c & 0x80) != 0;
+    }
+    if (zero) refuse(name.c_str(), "has a name with a zero byte, which BSON cannot hold");
+    if (name.empty()) refuse(name, "has an empty name");
+    if (beyondAscii && !isValidText(name)) refuse("", "has a name that is not UTF-8");
+  }
+
   void append(bson_t* out, std::string_view key, const TValue& value, bool inList) {
     const char* name = key.data();
     const int length = static_cast<int>(key.size());
@@ -74,6 +84,8 @@ class TBsonBuilder {
   }
 
   bool appendText(bson_t* out, std::string_view key, const std::string& text, bool inList) {
+    // Outside lists such a text becomes binary.
+    if (inList && !isValidText(text)) refuse(key, "is not UTF-8");
     const std::optional<TValue> converted = dates_ ? convertText(text, inList, *dates_) : std::nullopt;
     if (!converted) return appendPlain(out, key, text);
     if (converted->is(TKind::Text)) return appendPlain(out, key, converted->asText());
@@ -129,11 +141,14 @@ class TBsonBuilder {
   const TDateTimeText* dates_;
 };
 
-TObject readObject(bson_iter_t& iter);
+/// Servers allow 100 levels. What is sent beyond that must not overrun the stack.
+constexpr int deepest = 200;
 
-TList readList(bson_iter_t& iter) {
+TObject readObject(bson_iter_t& iter, int depth);
+
+TList readList(bson_iter_t& iter, int depth) {
   TList list;
-  for (TMember& member : readObject(iter)) list.push_back(std::move(member.value));
+  for (TMember& member : readObject(iter, depth)) list.push_back(std::move(member.value));
   return list;
 }
 
@@ -143,11 +158,12 @@ TObjectId toObjectId(const bson_oid_t& oid) {
   return id;
 }
 
-TValue readNested(const bson_iter_t& iter, bool list) {
+TValue readNested(const bson_iter_t& iter, bool list, int depth) {
   bson_iter_t child;
-  if (!bson_iter_recurse(&iter, &child)) throw std::runtime_error("The server sent a broken document.");
-  if (list) return readList(child);
-  return readObject(child);
+  if (depth > deepest || !bson_iter_recurse(&iter, &child))
+    throw std::runtime_error("The server sent a broken document.");
+  if (list) return readList(child, depth);
+  return readObject(child, depth);
 }
 
 TValue readBinary(const bson_iter_t& iter) {
@@ -203,12 +219,12 @@ TValue readCodeWithScope(const bson_iter_t& iter) {
   return std::string(code, length);
 }
 
-TValue readValue(const bson_iter_t& iter) {
+TValue readValue(const bson_iter_t& iter, int depth) {
   switch (bson_iter_type(&iter)) {
     case BSON_TYPE_DOUBLE: return bson_iter_double(&iter);
     case BSON_TYPE_UTF8: return readText(bson_iter_utf8, iter);
-    case BSON_TYPE_DOCUMENT: return readNested(iter, false);
-    case BSON_TYPE_ARRAY: return readNested(iter, true);
+    case BSON_TYPE_DOCUMENT: return readNested(iter, false, depth + 1);
+    case BSON_TYPE_ARRAY: return readNested(iter, true, depth + 1);
     case BSON_TYPE_BINARY: return readBinary(iter);
     case BSON_TYPE_OID: return toObjectId(*bson_iter_oid(&iter));
     case BSON_TYPE_BOOL: return bson_iter_bool(&iter);
@@ -231,12 +247,12 @@ TValue readValue(const bson_iter_t& iter) {
   return nullptr;
 }
 
-TObject readObject(bson_iter_t& iter) {
+TObject readObject(bson_iter_t& iter, int depth) {
   TObject object;
   object.reserve(8);
   while (bson_iter_next(&iter)) {
     const std::string_view key(bson_iter_key(&iter), bson_iter_key_len(&iter));
-    object.addNull(key).value = readValue(iter);
+    object.addNull(key).value = readValue(iter, depth);
   }
   if (iter.err_off != 0) throw std::runtime_error("The server sent a broken document.");
   return object;
@@ -307,7 +323,7 @@ TBsonPtr boundFilterToBson(const TObject& filter, const TDateTimeText& dates) {
 TObject BsonToJson(const bson_t& bson) {
   bson_iter_t iter;
   if (!bson_iter_init(&iter, &bson)) throw std::runtime_error("The server sent a broken document.");
-  return readObject(iter);
+  return readObject(iter, 0);
 }
 
 }  // namespace hollowmere

@@ -1,5 +1,7 @@
 #include "connectors/mongodb/mongoclient.h"
 
+#include <charconv>
+
 #include "connectors/mongodb/bsonvalue.h"
 #include "connectors/mongodb/stopstream.h"
 
@@ -21,10 +23,20 @@ struct TMongoLibrary {
 
 void initLibrary() { static const TMongoLibrary library; }
 
+/// 27017 when the record names none. Throws TStoreError (Connect) for what is no port.
 std::uint16_t portMember(const TValue& record) {
   const TValue* port = record.asObject().find("port");
-  if (!port || !port->is(TKind::Int) || port->asInt() < 1 || port->asInt() > 65535) return 27017;
-  return static_cast<std::uint16_t>(port->asInt());
+  if (!port || port->isNull() || *port == TValue("")) return 27017;
+  std::int64_t number = port->is(TKind::Int) ? port->asInt() : 0;
+  if (port->is(TKind::Text)) {
+    const std::string text = textMember(record, "port");
+    if (std::from_chars(text.data(), text.data() + text.size(), number).ptr != text.data() + text.size())
+      number = 0;
+  }
+  if (number < 1 || number > 65535)
+    throw TStoreError(TStoreErrorKind::Connect,
+                      "The port of the MongoDB connection must be a number from 1 to 65535.");
+  return static_cast<std::uint16_t>(number);
 }
 
 TMongoUriPtr makeUri(const TValue& record) {
@@ -46,8 +58,12 @@ TMongoUriPtr makeUri(const TValue& record) {
   return good ? std::move(uri) : nullptr;
 }
 
-std::string detailOf(const bson_error_t& error) {
+/// The driver does not always say which server it could not reach.
+std::string detailOf(const bson_error_t& error, const mongoc_uri_t& uri) {
   std::string detail = error.message;
+  const mongoc_host_list_t* host = mongoc_uri_get_hosts(&uri);
+  if (host && detail.find(host->host_and_port) == std::string::npos)
+    detail = std::string(host->host_and_port) + ": " + detail;
   const bool versions =
       error.domain == MONGOC_ERROR_PROTOCOL && error.code == MONGOC_ERROR_PROTOCOL_BAD_WIRE_VERSION;
   if (versions) detail += " (servers of version 3.6 or later can be used)";
@@ -65,7 +81,7 @@ TMongoClientPtr connectMongo(const TStoreOptions& options, const std::string& fi
                       fixedText.substr(0, fixedText.size() - 1) + ": unable to parse connection string.");
   bson_error_t error{};
   TMongoClientPtr client(mongoc_client_new_from_uri_with_error(uri.get(), &error));
-  if (!client) throw TStoreError(TStoreErrorKind::Connect, fixedText, detailOf(error));
+  if (!client) throw TStoreError(TStoreErrorKind::Connect, fixedText, detailOf(error, *uri));
   mongoc_client_set_error_api(client.get(), MONGOC_ERROR_API_VERSION_2);
   useStopStreams(client.get(), options.stop);
   const TBsonPtr ping(bson_new());
@@ -73,7 +89,7 @@ TMongoClientPtr connectMongo(const TStoreOptions& options, const std::string& fi
   const std::string database = textMember(record, "database");
   if (!mongoc_client_command_simple(client.get(), database.empty() ? "admin" : database.c_str(), ping.get(),
                                     nullptr, nullptr, &error))
-    throw TStoreError(TStoreErrorKind::Connect, fixedText, detailOf(error));
+    throw TStoreError(TStoreErrorKind::Connect, fixedText, detailOf(error, *uri));
   return client;
 }
 
@@ -93,10 +109,5 @@ std::string mongoErrorText(std::uint32_t code, const std::string& message) {
 }
 
 std::string mongoErrorText(const bson_error_t& error) { return mongoErrorText(error.code, error.message); }
-
-bool isConnectionFault(const bson_error_t& error) {
-  return error.domain == MONGOC_ERROR_STREAM || error.domain == MONGOC_ERROR_SERVER_SELECTION ||
-         error.domain == MONGOC_ERROR_PROTOCOL || error.domain == MONGOC_ERROR_CLIENT;
-}
 
 }  // namespace hollowmere

@@ -34,7 +34,4 @@ std::string textMember(const TValue& record, std::string_view name);
 std::string mongoErrorText(std::uint32_t code, const std::string& message);
 std::string mongoErrorText(const bson_error_t& error);
 
-/// Whether the fault is the connection's, so that the server has not answered.
-bool isConnectionFault(const bson_error_t& error);
-
 }  // namespace hollowmere

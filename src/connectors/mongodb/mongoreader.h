@@ -44,8 +44,8 @@ class TMongoReader : public TSourceReader {
   std::int64_t fetchLimit_;
   TMongoCollectionPtr collection_;
   TMongoCursorPtr cursor_;
-  const bson_t* row_ = nullptr;  ///< owned by the cursor, until it moves on
-  bool rowWaits_ = false;        ///< row_ was fetched but not given out
+  const bson_t* row_ = nullptr;                                   ///< owned by the cursor, until it moves on
+  bool rowWaits_ = false;                                         ///< row_ was fetched but not given out
   std::map<std::string, TJsonQuery, std::less<>> nestedQueries_;  ///< by data source name
 };
 

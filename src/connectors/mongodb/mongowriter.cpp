@@ -1,6 +1,7 @@
 #include "connectors/mongodb/mongowriter.h"
 
 #include <algorithm>
+#include <memory>
 
 #include "json/json.h"
 
@@ -10,6 +11,22 @@ namespace {
 
 /// What a server takes in one document; the driver gives up a whole batch for one that is larger.
 constexpr std::uint32_t largestDocument = 16 * 1024 * 1024;
+
+constexpr char notConfirmed[] = "The server did not confirm the document.";
+
+/// The driver's own asks the system for the process number at every identifier.
+bson_context_t* identifiers() {
+  static const std::unique_ptr<bson_context_t, decltype(&bson_context_destroy)> context(
+      bson_context_new(BSON_CONTEXT_THREAD_SAFE), &bson_context_destroy);
+  return context.get();
+}
+
+/// {name: false}
+TBsonPtr flagDocument(const char* name) {
+  TBsonPtr document(bson_new());
+  BSON_APPEND_BOOL(document.get(), name, false);
+  return document;
+}
 
 struct TRefusal {
   std::size_t index = 0;
@@ -51,7 +68,9 @@ TMongoWriter::TMongoWriter(const TStoreOptions& options)
     : client_(connectMongo(options, "Unable to connect to target MongoDB.")),
       database_(textMember(options.connection, "database")),
       batchSize_(options.bulkSize > 1 ? static_cast<std::size_t>(options.bulkSize) : 1),
-      scratch_(bson_new()) {}
+      scratch_(bson_new()),
+      unordered_(flagDocument("ordered")),
+      unchecked_(flagDocument("validate")) {}
 
 void TMongoWriter::openTarget(const TDataTarget& target) {
   if (database_.empty() || target.target.empty())
@@ -74,7 +93,7 @@ bool TMongoWriter::encode(const TObject& document, TOutcomeSink& sink) {
     bson_reinit(scratch_.get());
     if (!document.empty() && !document.contains("_id")) {
       bson_oid_t id;
-      bson_oid_init(&id, nullptr);
+      bson_oid_init(&id, identifiers());
       BSON_APPEND_OID(scratch_.get(), "_id", &id);
     }
     JsonToBson(document, scratch_.get(), dates_);
@@ -89,22 +108,22 @@ bool TMongoWriter::encode(const TObject& document, TOutcomeSink& sink) {
 }
 
 void TMongoWriter::insertOne(const TObject& document, TOutcomeSink& sink) {
+  bson_t reply;
   bson_error_t error{};
-  if (mongoc_collection_insert_one(collection_.get(), scratch_.get(), nullptr, nullptr, &error))
+  if (!mongoc_collection_insert_one(collection_.get(), scratch_.get(), unchecked_.get(), &reply, &error))
+    sink.refused(toJson(document), mongoErrorText(error));
+  else if (numberMember(reply, "insertedCount") == 1)
     sink.stored(1);
   else
-    sink.refused(toJson(document), mongoErrorText(error));
+    sink.refused(toJson(document), notConfirmed);
+  bson_destroy(&reply);
 }
 
 void TMongoWriter::addToBatch(TObject&& document, TOutcomeSink& sink) {
-  if (!bulk_) {
-    bson_t unordered = BSON_INITIALIZER;
-    BSON_APPEND_BOOL(&unordered, "ordered", false);
-    bulk_.reset(mongoc_collection_create_bulk_operation_with_opts(collection_.get(), &unordered));
-    bson_destroy(&unordered);
-  }
+  if (!bulk_)
+    bulk_.reset(mongoc_collection_create_bulk_operation_with_opts(collection_.get(), unordered_.get()));
   bson_error_t error{};
-  if (!mongoc_bulk_operation_insert_with_opts(bulk_.get(), scratch_.get(), nullptr, &error)) {
+  if (!mongoc_bulk_operation_insert_with_opts(bulk_.get(), scratch_.get(), unchecked_.get(), &error)) {
     sink.refused(toJson(document), mongoErrorText(error));
     return;
   }
@@ -116,29 +135,29 @@ void TMongoWriter::flush(TOutcomeSink& sink) {
   if (batch_.empty()) return;
   bson_t reply;
   bson_error_t error{};
-  const bool done = mongoc_bulk_operation_execute(bulk_.get(), &reply, &error) != 0;
+  mongoc_bulk_operation_execute(bulk_.get(), &reply, &error);
   // A bulk operation serves once.
   bulk_.reset();
-  report(done, reply, error, sink);
+  report(reply, error, sink);
   bson_destroy(&reply);
   batch_.clear();
 }
 
-/// Large batches go to the server in pieces. When one of them fails as a whole, what the pieces before it
-/// said still holds; the rest was not confirmed and is refused.
-void TMongoWriter::report(bool done, const bson_t& reply, const bson_error_t& error, TOutcomeSink& sink) {
+/// What the server's counts do not cover was not confirmed: a piece of a large batch may have failed as a
+/// whole, or an answer may have said nothing. Such documents are refused.
+void TMongoWriter::report(const bson_t& reply, const bson_error_t& error, TOutcomeSink& sink) {
   const std::vector<TRefusal> refusals = readRefusals(reply);
-  std::size_t known = batch_.size();
-  if (!done && (refusals.empty() || isConnectionFault(error)))
-    known = std::min(known, static_cast<std::size_t>(numberMember(reply, "nInserted")) + refusals.size());
-  std::int64_t refused = 0;
+  const std::size_t told = static_cast<std::size_t>(numberMember(reply, "nInserted")) + refusals.size();
+  const std::size_t known = std::min(batch_.size(), told);
+  std::int64_t stored = static_cast<std::int64_t>(known);
   for (const TRefusal& refusal : refusals) {
     if (refusal.index >= known) continue;
     sink.refused(toJson(batch_[refusal.index]), mongoErrorText(refusal.code, refusal.message));
-    ++refused;
+    --stored;
   }
-  if (const std::int64_t stored = static_cast<std::int64_t>(known) - refused; stored > 0) sink.stored(stored);
-  for (std::size_t i = known; i < batch_.size(); ++i) sink.refused(toJson(batch_[i]), mongoErrorText(error));
+  if (stored > 0) sink.stored(stored);
+  const std::string reason = error.code != 0 ? mongoErrorText(error) : notConfirmed;
+  for (std::size_t i = known; i < batch_.size(); ++i) sink.refused(toJson(batch_[i]), reason);
 }
 
 }  // namespace hollowmere

@@ -25,7 +25,7 @@ class TMongoWriter : public TTargetWriter {
   bool encode(const TObject& document, TOutcomeSink& sink);
   void insertOne(const TObject& document, TOutcomeSink& sink);
   void addToBatch(TObject&& document, TOutcomeSink& sink);
-  void report(bool done, const bson_t& reply, const bson_error_t& error, TOutcomeSink& sink);
+  void report(const bson_t& reply, const bson_error_t& error, TOutcomeSink& sink);
 
   TMongoClientPtr client_;
   TDateTimeText dates_;
@@ -33,6 +33,8 @@ class TMongoWriter : public TTargetWriter {
   std::size_t batchSize_;
   TMongoCollectionPtr collection_;
   TBsonPtr scratch_;
+  TBsonPtr unordered_;
+  TBsonPtr unchecked_;  ///< options of an insert: JsonToBson() has checked texts and names
   TMongoBulkPtr bulk_;
   std::vector<TObject> batch_;  ///< the documents in bulk_, in its order
 };

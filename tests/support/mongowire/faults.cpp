@@ -137,13 +137,9 @@ const TFault* TFaultScript::refusal(const TPlan& plan, std::size_t index, const 
 
 bool admit(TManner manner, TConnection& connection) {
   switch (manner) {
-    case TManner::ordinary:
-      return true;
-    case TManner::closeAtOnce:
-      return false;
-    case TManner::neverRead:
-      connection.waitForPeer();
-      return false;
+    case TManner::ordinary: return true;
+    case TManner::closeAtOnce: return false;
+    case TManner::neverRead: connection.waitForPeer(); return false;
     case TManner::otherProtocol:
       if (!connection.receiveAnything().empty()) connection.send("HTTP/1.1 400 Bad Request\r\n\r\n");
       return false;
@@ -153,27 +149,18 @@ bool admit(TManner manner, TConnection& connection) {
 
 bool sendSpoilt(const TFault& fault, TConnection& connection, std::string frame) {
   switch (fault.kind) {
-    case TFault::TKind::halfThenClose:
-      sendHalf(connection, frame);
-      return false;
+    case TFault::TKind::halfThenClose: sendHalf(connection, frame); return false;
     case TFault::TKind::halfThenSilence:
       if (sendHalf(connection, frame)) connection.waitForPeer();
       return false;
-    case TFault::TKind::wrongLength:
-      putInt32(frame, 0, fault.number);
-      break;
-    case TFault::TKind::wrongResponse:
-      putInt32(frame, 8, -12345);
-      break;
-    case TFault::TKind::garbageFrame:
-      frame.assign(64, '\xa5');
-      break;
+    case TFault::TKind::wrongLength: putInt32(frame, 0, fault.number); break;
+    case TFault::TKind::wrongResponse: putInt32(frame, 8, -12345); break;
+    case TFault::TKind::garbageFrame: frame.assign(64, '\xa5'); break;
     case TFault::TKind::garbageBody:
       std::fill(frame.begin() + static_cast<std::ptrdiff_t>(replyBodyOffset(frame) + 4), frame.end() - 1,
                 '\xa5');
       break;
-    default:
-      break;
+    default: break;
   }
   return connection.send(frame);
 }

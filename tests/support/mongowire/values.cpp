@@ -14,39 +14,25 @@ bool integral(double value) { return std::trunc(value) == value && std::fabs(val
 
 int rank(bson_type_t type) {
   switch (type) {
-    case BSON_TYPE_MINKEY:
-      return 0;
+    case BSON_TYPE_MINKEY: return 0;
     case BSON_TYPE_UNDEFINED:
-    case BSON_TYPE_NULL:
-      return 1;
+    case BSON_TYPE_NULL: return 1;
     case BSON_TYPE_INT32:
     case BSON_TYPE_INT64:
     case BSON_TYPE_DOUBLE:
-    case BSON_TYPE_DECIMAL128:
-      return 2;
+    case BSON_TYPE_DECIMAL128: return 2;
     case BSON_TYPE_SYMBOL:
-    case BSON_TYPE_UTF8:
-      return 3;
-    case BSON_TYPE_DOCUMENT:
-      return 4;
-    case BSON_TYPE_ARRAY:
-      return 5;
-    case BSON_TYPE_BINARY:
-      return 6;
-    case BSON_TYPE_OID:
-      return 7;
-    case BSON_TYPE_BOOL:
-      return 8;
-    case BSON_TYPE_DATE_TIME:
-      return 9;
-    case BSON_TYPE_TIMESTAMP:
-      return 10;
-    case BSON_TYPE_REGEX:
-      return 11;
-    case BSON_TYPE_MAXKEY:
-      return 127;
-    default:
-      return 20;
+    case BSON_TYPE_UTF8: return 3;
+    case BSON_TYPE_DOCUMENT: return 4;
+    case BSON_TYPE_ARRAY: return 5;
+    case BSON_TYPE_BINARY: return 6;
+    case BSON_TYPE_OID: return 7;
+    case BSON_TYPE_BOOL: return 8;
+    case BSON_TYPE_DATE_TIME: return 9;
+    case BSON_TYPE_TIMESTAMP: return 10;
+    case BSON_TYPE_REGEX: return 11;
+    case BSON_TYPE_MAXKEY: return 127;
+    default: return 20;
   }
 }
 

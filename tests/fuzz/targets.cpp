@@ -1,0 +1,180 @@
+#include "fuzz/targets.h"
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "connectors/datetimetext.h"
+#include "connectors/jsonfile/linereader.h"
+#include "connectors/jsonquery.h"
+#include "connectors/mongodb/bsonvalue.h"
+#include "connectors/nosqlcommon.h"
+#include "connectors/storeerror.h"
+#include "engine/xmltojson.h"
+#include "json/encoding.h"
+#include "json/json.h"
+#include "project/projectdocument.h"
+#include "settings/cipher.h"
+#include "support/tempfolder.h"
+
+namespace hollowmere::fuzz {
+
+namespace {
+
+#define REQUIRE(condition)                                                  \
+  do {                                                                      \
+    if (!(condition)) {                                                     \
+      std::fprintf(stderr, "%s:%d: %s\n", __FILE__, __LINE__, #condition); \
+      std::abort();                                                         \
+    }                                                                       \
+  } while (false)
+
+const TDateTimeText& dates() {
+  static const TDateTimeText texts("en_US");
+  return texts;
+}
+
+/// What is read can be written and read again, and is the same.
+void json(std::string_view bytes) {
+  try {
+    const TValue value = parseJson(bytes);
+    REQUIRE(isUtf8(bytes));
+    REQUIRE(parseJson(toJson(value)) == value);
+  } catch (const TJsonError& error) {
+    REQUIRE(error.offset() <= bytes.size());
+  }
+}
+
+std::vector<std::string> splitPlainly(std::string text) {
+  if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
+  std::vector<std::string> lines(1);
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
+    if (text[i] == '\r' || text[i] == '\n')
+      lines.emplace_back();
+    else
+      lines.back() += text[i];
+  }
+  if (lines.back().empty()) lines.pop_back();
+  return lines;
+}
+
+/// A small buffer gives the lines that a plain loop over the whole text gives.
+void lines(std::string_view bytes) {
+  static const TTempFolder folder;
+  const std::string path = folder.file("lines");
+  std::string text(bytes);
+  // Long enough for the buffer to be filled several times.
+  while (!text.empty() && text.size() < 2000) text += bytes;
+  std::ofstream(path, std::ios::binary) << text;
+  TLineReader reader(path, 1);
+  for (const std::string& line : splitPlainly(text)) {
+    const auto read = reader.next();
+    REQUIRE(read && *read == line);
+  }
+  REQUIRE(!reader.next());
+}
+
+void query(std::string_view bytes) {
+  try {
+    (void)TJsonQuery(bytes).bind(TObject{{"id", TValue("x\", \"$where\": \"1")}, {"n", TValue(5)}});
+  } catch (const TJsonError&) {
+  } catch (const TStoreError&) {
+  }
+}
+
+/// A date-time that was read is written so that it is read again as the same moment.
+void date(std::string_view bytes) {
+  const auto moment = dates().parse(bytes);
+  if (moment) REQUIRE(dates().parse(toIsoText(*moment)) == moment);
+}
+
+void markers(std::string_view bytes) {
+  try {
+    convertText(std::string(bytes), false, dates());
+    convertText(std::string(bytes), true, dates());
+  } catch (const std::runtime_error&) {
+  }
+}
+
+void shell(std::string_view bytes) { MongoShellToJson(bytes, dates()); }
+
+void filter(std::string_view bytes) { NormalizeHBaseFilter(bytes); }
+
+void cassandra(std::string_view bytes) {
+  const std::size_t zero = std::min(bytes.find('|'), bytes.size());
+  const std::string_view type = bytes.substr(0, zero);
+  const std::string_view value = bytes.substr(std::min(zero + 1, bytes.size()));
+  try {
+    CassandraBytesToText(value, CassandraValidatorToCqlType(type), false, dates());
+    CassandraBytesToText(value, type, true, dates(), TCollectionLengths::Short16);
+  } catch (const std::runtime_error&) {
+  }
+}
+
+void xml(std::string_view bytes) { xmlToJson(bytes); }
+
+void bson(std::string_view bytes) {
+  bson_t document;
+  if (!bson_init_static(&document, reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size())) return;
+  try {
+    const TBsonPtr written(bson_new());
+    JsonToBson(BsonToJson(document), written.get(), dates());
+    BsonToJson(*written.get());
+  } catch (const std::runtime_error&) {
+  }
+}
+
+/// A project that is read is written as a document that is read as the same project.
+void project(std::string_view bytes) {
+  try {
+    const TProject read = fromDocument(parseJson(bytes));
+    REQUIRE(toDocument(fromDocument(toDocument(read))) == toDocument(read));
+  } catch (const TJsonError&) {
+  } catch (const TProjectError&) {
+  }
+}
+
+void cipher(std::string_view bytes) {
+  static const TCipher sealed;
+  try {
+    (void)sealed.decryptString(bytes);
+    (void)sealed.decryptStream(bytes);
+  } catch (const TCipherError&) {
+  }
+}
+
+using namespace std::string_view_literals;
+
+constexpr std::string_view projectSeed =
+    R"({"vgGeneralProjectName":"p","vgGeneralProjectComment":"","vgGeneralSourceFetchLimit":100,)"
+    R"("vgGeneralTargetDegree":1,"vgGeneralLoadNum":0,"vgGeneralIgnoreNulls":true,"vgGeneralDiscNum":0,)"
+    R"("vgGeneralLogFile":"l","vgGeneralDiscFile":"d","vgGeneralCategorySourceDB":{"dbtype":"MongoDB",)"
+    R"("vgGeneralSourceConn":{"host":"h"}},"vgGeneralCategoryTargetDB":{"vgGeneralTargetDBType":"JSON File",)"
+    R"("vgGeneralTargetConn":"f"},"datasourcelist":[{"name":"a","datasource":{"query":""},"count":0}],)"
+    R"("datatargetlist":[{"name":"t","datatarget":"t","saslpwd":""}],"datamaplist":[{"target":"t",)"
+    R"("source":"a","children":[{"target":"x","source":null,"targettype":"Number"}],"targettype":"String"}]})"sv;
+
+constexpr std::array table{
+    TTarget{"json", json, R"({"a":[1,-2.5e3,"x\u00e9\n",null,true,{"b":{}}],"big":123456789012345678901})"sv},
+    TTarget{"lines", lines, "\xEF\xBB\xBF{\"a\":1}\r\n\r{\"b\":2}\n\n{\"c\":3}"sv},
+    TTarget{"query", query, R"({"a": :id, "b": ":n", "c": {"$gt": 5, "d": [":id", true]}})"sv},
+    TTarget{"date", date, "2026-01-02T03:04:05.678+01:30"sv},
+    TTarget{"markers", markers, "&base64;AAE= &quot;1/2/2026 3:04 PM&quot; &str;"sv},
+    TTarget{"shell", shell, R"({ "a" : NumberLong("5"), "d" : ISODate("2020-01-02T03:04:05Z"), "n" : NaN })"sv},
+    TTarget{"filter", filter, "SingleColumnValueFilter('f','c',=,'binary:a and b') and PageFilter(5)"sv},
+    TTarget{"cassandra", cassandra, "map<text,list<int>>|\0\1\0\1a\0\6\0\1\0\4\0\0\0\5"sv},
+    TTarget{"xml", xml, "<a x='1'><b>t</b><b/><![CDATA[c]]>&amp;</a>"sv},
+    TTarget{"bson", bson, "\x16\0\0\0\2k\0\3\0\0\0ab\0\4l\0\5\0\0\0\0\0"sv},
+    TTarget{"project", project, projectSeed},
+    TTarget{"cipher", cipher, "SE0BAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA"sv},
+};
+
+}  // namespace
+
+std::span<const TTarget> targets() { return table; }
+
+}  // namespace hollowmere::fuzz
