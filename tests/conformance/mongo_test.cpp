@@ -106,7 +106,7 @@ TEST(Mongo, RefusesWhatItCannotHold) {
     EXPECT_EQ(sink.refusals[2].second,
               "The value of \"n\" has more digits than MongoDB can hold: " + std::string(40, '9'));
     EXPECT_NE(sink.refusals[3].second.find("not Base64"), std::string::npos);
-    EXPECT_NE(sink.refusals[4].second.find("empty key"), std::string::npos) << sink.refusals[4].second;
+    EXPECT_EQ(sink.refusals[4].second, "The value of \"\" has an empty name");
     EXPECT_EQ(sink.refusals[4].first, R"({"_id":6,"":1})");
   }
 }
