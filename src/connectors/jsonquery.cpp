@@ -106,6 +106,16 @@ TValue bindValue(const TValue& value, const TObject& parent) {
   return parameterValue(parent, name);
 }
 
+using TConvertText = std::function<TValue(const std::string&, bool)>;
+
+void convertTextsIn(TValue& value, bool inList, const TConvertText& convert) {
+  if (value.is(TKind::Text) && parameterName(value.asText()).empty()) value = convert(value.asText(), inList);
+  if (value.is(TKind::List))
+    for (TValue& element : value.asList()) convertTextsIn(element, true, convert);
+  if (value.is(TKind::Object))
+    for (TMember& member : value.asObject()) convertTextsIn(member.value, false, convert);
+}
+
 TObject bindObject(const TObject& object, const TObject& parent) {
   TObject bound;
   bound.reserve(object.size());
@@ -120,6 +130,10 @@ TJsonQuery::TJsonQuery(std::string_view text) {
   TValue value = parseJson(quoteParameters(text));
   if (!value.is(TKind::Object)) throw TJsonError("The query is not a JSON object", 0);
   query_ = std::move(value.asObject());
+}
+
+void TJsonQuery::convertTexts(const TConvertText& convert) {
+  for (TMember& member : query_) convertTextsIn(member.value, false, convert);
 }
 
 TObject TJsonQuery::bind(const TObject& parent) const { return bindObject(query_, parent); }

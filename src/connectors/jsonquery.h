@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <string>
 #include <string_view>
 
 #include "json/value.h"
@@ -13,6 +15,10 @@ class TJsonQuery {
  public:
   /// An empty text is the empty query. Throws TJsonError when the text is no JSON object.
   explicit TJsonQuery(std::string_view text);
+
+  /// Each text of the query that is no parameter becomes what convert gives for it (told whether it stands in
+  /// a list). Values bound later are not touched.
+  void convertTexts(const std::function<TValue(const std::string& text, bool inList)>& convert);
 
   /// Each parameter takes the value of the parent's first field of its name, letter case ignored; a name
   /// with dots that is no field is a path into nested objects. Throws TStoreError (Read) naming a

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -51,11 +52,24 @@ struct TShare {
 /// Tells work in another thread to end soon. Set once, never cleared.
 class TStopFlag {
  public:
-  void set() { stop_.store(true, std::memory_order_relaxed); }
-  [[nodiscard]] bool isSet() const { return stop_.load(std::memory_order_relaxed); }
+  void set() {
+    std::int64_t never = 0;
+    setAt_.compare_exchange_strong(never, now(), std::memory_order_relaxed);
+  }
+  [[nodiscard]] bool isSet() const { return setAt_.load(std::memory_order_relaxed) != 0; }
+  /// Milliseconds since it was set; 0 as long as it is not.
+  [[nodiscard]] std::int64_t milliseconds() const {
+    const std::int64_t since = setAt_.load(std::memory_order_relaxed);
+    return since == 0 ? 0 : now() - since;
+  }
 
  private:
-  std::atomic<bool> stop_ = false;
+  static std::int64_t now() {
+    const auto time = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::milliseconds>(time).count();
+  }
+
+  std::atomic<std::int64_t> setAt_ = 0;
 };
 
 }  // namespace hollowmere

@@ -1,5 +1,6 @@
 #include "connectors/jsonfile/jsonfilewriter.h"
 
+#include <QFileInfo>
 #include <algorithm>
 
 #include "connectors/jsonfile/jsonfileconnector.h"
@@ -15,7 +16,8 @@ constexpr std::size_t bufferSize = 256 * 1024;
 
 TJsonFileWriter::TJsonFileWriter(const TStoreOptions& options)
     : file_(QString::fromStdString(jsonFileName(options.connection))) {
-  if (file_.exists()) file_.remove();
+  // A device is written to, but never deleted.
+  if (QFileInfo(file_).isFile()) file_.remove();
   if (!file_.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered))
     throw TStoreError(TStoreErrorKind::Connect,
                       "Unable to create target JSON file " + file_.fileName().toStdString() + ":",
@@ -59,8 +61,10 @@ void TJsonFileWriter::refuseFrom(std::size_t written, TOutcomeSink& sink) {
   const auto firstLost = std::upper_bound(ends_.begin(), ends_.end(), written);
   std::size_t begin = firstLost == ends_.begin() ? 0 : *(firstLost - 1);
   length_ += static_cast<qint64>(begin);
-  file_.resize(length_);
-  file_.seek(length_);
+  if (!file_.isSequential()) {
+    file_.resize(length_);
+    file_.seek(length_);
+  }
   sink.stored(firstLost - ends_.begin());
   for (auto end = firstLost; end != ends_.end(); begin = *end++)
     sink.refused(buffer_.substr(begin, *end - begin - 1), reason);

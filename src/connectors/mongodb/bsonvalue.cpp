@@ -31,7 +31,8 @@ std::size_t significantDigits(std::string_view number) {
 
 class TBsonBuilder {
  public:
-  explicit TBsonBuilder(const TDateTimeText& dates) : dates_(dates) {}
+  /// Without dates texts are not converted.
+  explicit TBsonBuilder(const TDateTimeText* dates) : dates_(dates) {}
 
   void appendObject(const TObject& object, bson_t* out) {
     for (const TMember& member : object) {
@@ -85,7 +86,7 @@ class TBsonBuilder {
   bool appendText(bson_t* out, std::string_view key, const std::string& text, bool inList) {
     // Outside lists such a text becomes binary.
     if (inList && !isValidText(text)) refuse(key, "is not UTF-8");
-    const std::optional<TValue> converted = convertText(text, inList, dates_);
+    const std::optional<TValue> converted = dates_ ? convertText(text, inList, *dates_) : std::nullopt;
     if (!converted) return appendPlain(out, key, text);
     if (converted->is(TKind::Text)) return appendPlain(out, key, converted->asText());
     append(out, key, *converted, inList);
@@ -137,7 +138,7 @@ class TBsonBuilder {
     return bson_append_document_end(out, &child);
   }
 
-  const TDateTimeText& dates_;
+  const TDateTimeText* dates_;
 };
 
 /// Servers allow 100 levels. What is sent beyond that must not overrun the stack.
@@ -267,6 +268,7 @@ std::optional<TValue> unwrapped(const TObject& object, const TDateTimeText& date
     const auto number = unwrapped(inner.asObject(), dates);
     if (number && number->is(TKind::Int)) return TValue::dateTime(number->asInt());
   }
+  if (name == "$date" && inner.is(TKind::DateTime)) return inner;
   if (!inner.is(TKind::Text)) return std::nullopt;
   const std::string& text = inner.asText();
   TObjectId id;
@@ -303,12 +305,18 @@ TValue unwrapAll(const TValue& value, const TDateTimeText& dates) {
 }  // namespace
 
 void JsonToBson(const TObject& document, bson_t* out, const TDateTimeText& dates) {
-  TBsonBuilder(dates).appendObject(document, out);
+  TBsonBuilder(&dates).appendObject(document, out);
 }
 
 TBsonPtr filterToBson(const TObject& filter, const TDateTimeText& dates) {
   TBsonPtr bson(bson_new());
   JsonToBson(unwrapAll(filter, dates), bson.get(), dates);
+  return bson;
+}
+
+TBsonPtr boundFilterToBson(const TObject& filter, const TDateTimeText& dates) {
+  TBsonPtr bson(bson_new());
+  TBsonBuilder(nullptr).appendObject(unwrapAll(filter, dates), bson.get());
   return bson;
 }
 

@@ -38,6 +38,8 @@ void JsonToBson(const TObject& document, bson_t* out, const TDateTimeText& dates
 /// A filter: as above, but the usual wrapper objects of MongoDB's JSON ("$oid", "$date", "$numberLong",
 /// "$numberDecimal") are the values that they stand for.
 TBsonPtr filterToBson(const TObject& filter, const TDateTimeText& dates);
+/// The same with all texts as they are: those of a parent row keep their kind.
+TBsonPtr boundFilterToBson(const TObject& filter, const TDateTimeText& dates);
 
 /// The reverse, members in their order. Object ids, binary values, decimals and date-times keep their
 /// kinds; a timestamp becomes a date-time; regular expressions, symbols, code and references become text.

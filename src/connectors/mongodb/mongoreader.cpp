@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "connectors/nosqlcommon.h"
 #include "json/json.h"
 
 namespace hollowmere {
@@ -100,18 +101,25 @@ std::string TMongoReader::rowText() {
   return row_ ? toJson(BsonToJson(*row_), TTextForm::Markers) : std::string();
 }
 
+/// The query of a nested data source, prepared once.
+const TJsonQuery& TMongoReader::nestedQuery(const TDataSource& source, const TMongoSource& query) {
+  if (const auto found = nestedQueries_.find(source.name); found != nestedQueries_.end())
+    return found->second;
+  try {
+    TJsonQuery prepared(query.query);
+    prepared.convertTexts([this](const std::string& text, bool inList) {
+      return convertText(text, inList, dates_).value_or(TValue(text));
+    });
+    return nestedQueries_.emplace(source.name, std::move(prepared)).first->second;
+  } catch (const std::runtime_error& error) {
+    throw TStoreError(TStoreErrorKind::Read, "Invalid nested MongoDB JSON query: " + query.query,
+                      "(" + std::string(error.what()) + ")");
+  }
+}
+
 void TMongoReader::nested(const TDataSource& source, const TObject& parent, const TRowSink& row) {
   const TMongoSource query(source);
-  auto prepared = nestedQueries_.find(source.name);
-  if (prepared == nestedQueries_.end()) {
-    try {
-      prepared = nestedQueries_.emplace(source.name, TJsonQuery(query.query)).first;
-    } catch (const TJsonError& error) {
-      throw TStoreError(TStoreErrorKind::Read, "Invalid nested MongoDB JSON query: " + query.query,
-                        "(" + std::string(error.what()) + ")");
-    }
-  }
-  const TBsonPtr filter = filterToBson(prepared->second.bind(parent), dates_);
+  const TBsonPtr filter = boundFilterToBson(nestedQuery(source, query).bind(parent), dates_);
   const TBsonPtr options = batchOptions(fetchLimit_);
   const TMongoCollectionPtr collection = getCollection(client_.get(), query);
   const TMongoCursorPtr cursor(

@@ -37,6 +37,7 @@ class TMongoReader : public TSourceReader {
  private:
   std::optional<TObject> getMongoJSON();
   bool advance();
+  const TJsonQuery& nestedQuery(const TDataSource& source, const TMongoSource& query);
 
   TMongoClientPtr client_;
   TDateTimeText dates_;

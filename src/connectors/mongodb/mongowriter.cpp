@@ -12,6 +12,9 @@ namespace {
 /// What a server takes in one document; the driver gives up a whole batch for one that is larger.
 constexpr std::uint32_t largestDocument = 16 * 1024 * 1024;
 
+/// Of a message, for all that is not documents.
+constexpr std::int64_t messageReserve = 64 * 1024;
+
 constexpr char notConfirmed[] = "The server did not confirm the document.";
 
 /// The driver's own asks the system for the process number at every identifier.
@@ -68,9 +71,26 @@ TMongoWriter::TMongoWriter(const TStoreOptions& options)
     : client_(connectMongo(options, "Unable to connect to target MongoDB.")),
       database_(textMember(options.connection, "database")),
       batchSize_(options.bulkSize > 1 ? static_cast<std::size_t>(options.bulkSize) : 1),
+      batchBytes_(largestDocument),
       scratch_(bson_new()),
       unordered_(flagDocument("ordered")),
-      unchecked_(flagDocument("validate")) {}
+      unchecked_(flagDocument("validate")) {
+  if (batchSize_ > 1) keepToLimits();
+}
+
+/// The driver splits what the server would not take at once. When one of the pieces fails it does not tell
+/// which, so a batch is never more than one piece.
+void TMongoWriter::keepToLimits() {
+  bson_error_t error{};
+  mongoc_server_description_t* server = mongoc_client_select_server(client_.get(), true, nullptr, &error);
+  if (!server) return;
+  const bson_t& hello = *mongoc_server_description_hello_response(server);
+  const std::int64_t message = numberMember(hello, "maxMessageSizeBytes") - messageReserve;
+  batchBytes_ = std::max(batchBytes_, static_cast<std::size_t>(std::max<std::int64_t>(0, message)));
+  const std::int64_t documents = std::max<std::int64_t>(1, numberMember(hello, "maxWriteBatchSize"));
+  batchSize_ = std::min(batchSize_, static_cast<std::size_t>(documents));
+  mongoc_server_description_destroy(server);
+}
 
 void TMongoWriter::openTarget(const TDataTarget& target) {
   if (database_.empty() || target.target.empty())
@@ -120,6 +140,7 @@ void TMongoWriter::insertOne(const TObject& document, TOutcomeSink& sink) {
 }
 
 void TMongoWriter::addToBatch(TObject&& document, TOutcomeSink& sink) {
+  if (bytes_ + scratch_->len > batchBytes_) flush(sink);
   if (!bulk_)
     bulk_.reset(mongoc_collection_create_bulk_operation_with_opts(collection_.get(), unordered_.get()));
   bson_error_t error{};
@@ -127,6 +148,7 @@ void TMongoWriter::addToBatch(TObject&& document, TOutcomeSink& sink) {
     sink.refused(toJson(document), mongoErrorText(error));
     return;
   }
+  bytes_ += scratch_->len;
   batch_.push_back(std::move(document));
   if (batch_.size() >= batchSize_) flush(sink);
 }
@@ -141,10 +163,11 @@ void TMongoWriter::flush(TOutcomeSink& sink) {
   report(reply, error, sink);
   bson_destroy(&reply);
   batch_.clear();
+  bytes_ = 0;
 }
 
-/// What the server's counts do not cover was not confirmed: a piece of a large batch may have failed as a
-/// whole, or an answer may have said nothing. Such documents are refused.
+/// What the server's counts do not cover was not confirmed: the batch may have failed as a whole, or the
+/// answer may have said nothing. Such documents are refused.
 void TMongoWriter::report(const bson_t& reply, const bson_error_t& error, TOutcomeSink& sink) {
   const std::vector<TRefusal> refusals = readRefusals(reply);
   const std::size_t told = static_cast<std::size_t>(numberMember(reply, "nInserted")) + refusals.size();

@@ -22,6 +22,7 @@ class TMongoWriter : public TTargetWriter {
   void flush(TOutcomeSink& sink) override;
 
  private:
+  void keepToLimits();
   bool encode(const TObject& document, TOutcomeSink& sink);
   void insertOne(const TObject& document, TOutcomeSink& sink);
   void addToBatch(TObject&& document, TOutcomeSink& sink);
@@ -31,11 +32,13 @@ class TMongoWriter : public TTargetWriter {
   TDateTimeText dates_;
   std::string database_;
   std::size_t batchSize_;
+  std::size_t batchBytes_;  ///< what one message to the server may hold
   TMongoCollectionPtr collection_;
   TBsonPtr scratch_;
   TBsonPtr unordered_;
   TBsonPtr unchecked_;  ///< options of an insert: JsonToBson() has checked texts and names
   TMongoBulkPtr bulk_;
+  std::size_t bytes_ = 0;       ///< in bulk_
   std::vector<TObject> batch_;  ///< the documents in bulk_, in its order
 };
 

@@ -11,7 +11,7 @@ namespace hollowmere {
 namespace {
 
 constexpr std::int64_t sliceMicroseconds = 50'000;
-constexpr std::int64_t graceMicroseconds = 1'000'000;
+constexpr std::int64_t graceMilliseconds = 1000;
 
 struct TSocketDeleter {
   void operator()(mongoc_socket_t* socket) const { mongoc_socket_destroy(socket); }
@@ -25,16 +25,14 @@ bool isAgain(int code) {
 /// Ends waiting at a time limit or some time after the stop.
 class TPatience {
  public:
-  TPatience(const TStopFlag* stop, std::int64_t& stopSeen, std::int32_t timeoutMilliseconds)
-      : stop_(stop), stopSeen_(stopSeen) {
+  TPatience(const TStopFlag* stop, std::int32_t timeoutMilliseconds) : stop_(stop) {
     if (timeoutMilliseconds >= 0) limit_ = bson_get_monotonic_time() + timeoutMilliseconds * 1000LL;
   }
 
   /// Until when the next wait may last; false when there is no time left.
   bool next(std::int64_t& expireAt) {
     const std::int64_t now = bson_get_monotonic_time();
-    if (stop_ && stop_->isSet() && stopSeen_ == 0) stopSeen_ = now;
-    if (stopSeen_ != 0 && now - stopSeen_ > graceMicroseconds) return false;
+    if (stop_ && stop_->milliseconds() > graceMilliseconds) return false;
     if (limit_ >= 0 && now >= limit_ && !first_) return false;
     first_ = false;
     expireAt = now + sliceMicroseconds;
@@ -44,7 +42,6 @@ class TPatience {
 
  private:
   const TStopFlag* stop_;
-  std::int64_t& stopSeen_;
   std::int64_t limit_ = -1;
   bool first_ = true;  ///< a time limit of 0 still means one try
 };
@@ -54,10 +51,9 @@ struct TStopStream {
   mongoc_stream_t stream{};  // first: the driver hands out its address
   TSocketPtr socket;
   const TStopFlag* stop = nullptr;
-  std::int64_t stopSeen = 0;
   bool timedOut = false;
 
-  TPatience patience(std::int32_t timeout) { return {stop, stopSeen, timeout}; }
+  [[nodiscard]] TPatience patience(std::int32_t timeout) const { return {stop, timeout}; }
 };
 
 constexpr int streamType = 0x484d;
@@ -124,6 +120,8 @@ ssize_t readv(mongoc_stream_t* stream, mongoc_iovec_t* iov, std::size_t count, s
   std::size_t offset = 0;
   while (piece < count) {
     if (!patience.next(expireAt)) {
+      // Asked for what is there, and there was some: it must not be lost.
+      if (got > 0 && got >= least) return static_cast<ssize_t>(got);
       self.timedOut = true;
       errno = ETIMEDOUT;
       return -1;
@@ -176,8 +174,8 @@ ssize_t poll(mongoc_stream_poll_t* streams, std::size_t count, std::int32_t time
     for (std::size_t i = 0; i < count; ++i) streams[i].revents = sockets[i].revents;
     return ready;
   }
-  TStopStream& first = own(streams[0].stream);
-  if (first.stopSeen == 0) return 0;
+  const TStopStream& first = own(streams[0].stream);
+  if (!first.stop || !first.stop->isSet()) return 0;
   // Called off: every stream reports a failure, so that the driver gives up on it.
   for (std::size_t i = 0; i < count; ++i) streams[i].revents = POLLERR;
   return static_cast<ssize_t>(count);
@@ -221,6 +219,11 @@ int connectSocket(mongoc_socket_t* socket, const addrinfo& address, TPatience pa
 mongoc_stream_t* initiate(const mongoc_uri_t* uri, const mongoc_host_list_t* host, void* stop,
                           bson_error_t* error) {
   const auto* flag = static_cast<const TStopFlag*>(stop);
+  // The driver tries once more what has failed; when all is to end, it may not.
+  if (flag && flag->isSet()) {
+    bson_set_error(error, MONGOC_ERROR_STREAM, MONGOC_ERROR_STREAM_CONNECT, "stopped");
+    return nullptr;
+  }
   addrinfo hints{};
   hints.ai_family = host->family;
   hints.ai_socktype = SOCK_STREAM;
@@ -233,11 +236,10 @@ mongoc_stream_t* initiate(const mongoc_uri_t* uri, const mongoc_host_list_t* hos
   const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> addresses(found, &freeaddrinfo);
   const std::int32_t timeout = mongoc_uri_get_option_as_int32(uri, MONGOC_URI_CONNECTTIMEOUTMS, 10000);
   int code = ECONNREFUSED;
-  std::int64_t stopSeen = 0;
   for (const addrinfo* at = addresses.get(); at; at = at->ai_next) {
     TSocketPtr socket(mongoc_socket_new(at->ai_family, at->ai_socktype, at->ai_protocol));
     if (!socket) continue;
-    code = connectSocket(socket.get(), *at, TPatience(flag, stopSeen, timeout));
+    code = connectSocket(socket.get(), *at, TPatience(flag, timeout));
     if (code == 0) return newStream(std::move(socket), flag);
   }
   bson_set_error(error, MONGOC_ERROR_STREAM, MONGOC_ERROR_STREAM_CONNECT, "%s",

@@ -1,0 +1,156 @@
+#include "conformance/bed.h"
+
+#include <atomic>
+
+#include "connectors/jsonfile/jsonfileconnector.h"
+#include "connectors/mongodb/mongoconnector.h"
+#include "support/mongowire/standin.h"
+#include "support/tempfolder.h"
+#include "support/toystore.h"
+
+namespace hollowmere {
+
+namespace {
+
+class TToyBed : public TBed {
+ public:
+  TToyBed() : connector_(makeToyConnector(server_)) { server_->faults.password = "right"; }
+
+  [[nodiscard]] const TStoreConnector& connector() const override { return *connector_; }
+  [[nodiscard]] TValue connection(const std::string& /*collection*/) const override {
+    return TObject{{"password", "right"}};
+  }
+  [[nodiscard]] TDataSource source(const std::string& collection, const std::string& query) const override {
+    return toySource(collection, collection, query);
+  }
+  [[nodiscard]] TValue strangersConnection() const override { return TObject{{"password", "wrong secret"}}; }
+  [[nodiscard]] TValue nowhere() const override { return TObject(); }
+
+ private:
+  std::shared_ptr<TToyServer> server_ = std::make_shared<TToyServer>();
+  std::unique_ptr<TStoreConnector> connector_;
+};
+
+class TJsonFileBed : public TBed {
+ public:
+  TJsonFileBed() : connector_(makeJsonFileConnector()) { nests = hasKeys = keepsKinds = false; }
+
+  [[nodiscard]] const TStoreConnector& connector() const override { return *connector_; }
+  [[nodiscard]] TValue connection(const std::string& collection) const override {
+    const std::string name = folder_.file(collection + ".json");
+    if (!std::filesystem::exists(name)) writeBytes(name, {});
+    // Names may stand in double quotes.
+    return "\"" + name + "\"";
+  }
+  [[nodiscard]] TDataSource source(const std::string& collection,
+                                   const std::string& /*query*/) const override {
+    return {collection, connection(collection), 0};
+  }
+  [[nodiscard]] TValue nowhere() const override { return folder_.file("no/such.json"); }
+
+ private:
+  TTempFolder folder_;
+  std::unique_ptr<TStoreConnector> connector_;
+};
+
+class TMongoBed : public TBed {
+ public:
+  explicit TMongoBed(std::uint16_t port) : port_(port), connector_(makeMongoConnector()) {
+    refusesEmpty = true;
+  }
+
+  [[nodiscard]] const TStoreConnector& connector() const override { return *connector_; }
+  [[nodiscard]] TValue connection(const std::string& /*collection*/) const override {
+    return mongoRecord(port_);
+  }
+  [[nodiscard]] TDataSource source(const std::string& collection, const std::string& query) const override {
+    return mongoSource(collection, query);
+  }
+  [[nodiscard]] TValue strangersConnection() const override {
+    return mongoRecord(port_, "nobody", "wrong secret", "SCRAM-SHA-256", "admin");
+  }
+  [[nodiscard]] TValue nowhere() const override { return mongoRecord(1); }
+
+ private:
+  std::uint16_t port_;
+  std::unique_ptr<TStoreConnector> connector_;
+};
+
+class TStandInBed : public TMongoBed {
+ public:
+  explicit TStandInBed(std::unique_ptr<mongowire::TMongoStandIn> server)
+      : TMongoBed(server->port()), server_(std::move(server)) {}
+  ~TStandInBed() override {
+    EXPECT_EQ(server_->server().violations(), 0U) << "bytes that break the protocol";
+  }
+
+ private:
+  std::unique_ptr<mongowire::TMongoStandIn> server_;
+};
+
+}  // namespace
+
+std::vector<TBedKind> bedKinds() {
+  return {{"Toy", [] { return std::make_unique<TToyBed>(); }},
+          {"JsonFile", [] { return std::make_unique<TJsonFileBed>(); }},
+          {"MongoStandIn",
+           [] { return std::make_unique<TStandInBed>(std::make_unique<mongowire::TMongoStandIn>()); }},
+          {"MongoServer", [] { return std::make_unique<TMongoBed>(sharedServer().port()); }}};
+}
+
+TValue mongoRecord(std::uint16_t port, const std::string& user, const std::string& password,
+                   const std::string& mechanism, const std::string& authdb) {
+  return TObject{{"dbtype", "MongoDB"},    {"host", "127.0.0.1"}, {"port", static_cast<int>(port)},
+                 {"database", "shop"},     {"user", user},        {"password", password},
+                 {"mechanism", mechanism}, {"authdb", authdb}};
+}
+
+TDataSource mongoSource(const std::string& collection, const std::string& query) {
+  return {collection, TObject{{"database", "shop"}, {"collection", collection}, {"query", query}}, 0};
+}
+
+const TLocalServer& sharedServer() {
+  static const TLocalServer server;
+  return server;
+}
+
+TStoreOptions optionsFor(TValue connection) {
+  TStoreOptions options;
+  options.connection = std::move(connection);
+  options.ignoreNulls = false;
+  return options;
+}
+
+void writeAll(const TBed& bed, const std::string& collection, const std::vector<TObject>& documents,
+              TRecordingSink& sink, std::int64_t bulkSize) {
+  TStoreOptions options = optionsFor(bed.connection(collection));
+  options.bulkSize = bulkSize;
+  const auto writer = bed.connector().connectTarget(options);
+  writer->openTarget({"target", collection, {}});
+  for (const TObject& document : documents) writer->write(TObject(document), sink);
+  writer->flush(sink);
+}
+
+std::vector<TObject> readAll(const TBed& bed, const std::string& collection, const TShare& share,
+                             std::int64_t fetchLimit) {
+  TStoreOptions options = optionsFor(bed.connection(collection));
+  options.fetchLimit = fetchLimit;
+  const auto reader = bed.connector().connectSource(options);
+  reader->openRoot(bed.source(collection), share);
+  std::vector<TObject> rows;
+  while (auto row = reader->next()) rows.push_back(std::move(*row));
+  EXPECT_FALSE(reader->next()) << "the end stays the end";
+  return rows;
+}
+
+std::string faultOf(TStoreErrorKind kind, const std::function<void()>& call) {
+  try {
+    call();
+  } catch (const TStoreError& error) {
+    EXPECT_EQ(static_cast<int>(error.kind()), static_cast<int>(kind)) << error.what();
+    return error.what();
+  }
+  return {};
+}
+
+}  // namespace hollowmere

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "connectors/storeapi.h"
+#include "support/localserver.h"
+
+namespace hollowmere {
+
+/// One store as the conformance suite sees it, with a place of its own to read and write in.
+class TBed {
+ public:
+  virtual ~TBed() = default;
+
+  [[nodiscard]] virtual const TStoreConnector& connector() const = 0;
+  /// Collections are named by the test; a store of files makes a file of each.
+  [[nodiscard]] virtual TValue connection(const std::string& collection) const = 0;
+  [[nodiscard]] virtual TDataSource source(const std::string& collection,
+                                           const std::string& query = {}) const = 0;
+  /// The same connection, with a user whom the server does not know; null where a store has no users.
+  [[nodiscard]] virtual TValue strangersConnection() const { return {}; }
+  /// Where nothing listens.
+  [[nodiscard]] virtual TValue nowhere() const = 0;
+
+  bool nests = true;          ///< nested queries
+  bool hasKeys = true;        ///< "_id" is unique
+  bool keepsKinds = true;     ///< values that JSON lacks come back as they were
+  bool refusesEmpty = false;  ///< an empty root source is an error
+};
+
+/// Counts what a writer says.
+class TRecordingSink : public TOutcomeSink {
+ public:
+  void stored(std::int64_t count) override { storedCount += count; }
+  void skipped(std::int64_t count) override { skippedCount += count; }
+  void refused(std::string documentText, const std::string& message) override {
+    refusals.emplace_back(std::move(documentText), message);
+  }
+
+  std::int64_t storedCount = 0;
+  std::int64_t skippedCount = 0;
+  std::vector<std::pair<std::string, std::string>> refusals;
+};
+
+/// How a store is set up.
+struct TBedKind {
+  std::string name;
+  std::function<std::unique_ptr<TBed>()> make;
+};
+std::vector<TBedKind> bedKinds();
+inline std::ostream& operator<<(std::ostream& out, const TBedKind& kind) { return out << kind.name; }
+
+/// A MongoDB connection record.
+TValue mongoRecord(std::uint16_t port, const std::string& user = {}, const std::string& password = {},
+                   const std::string& mechanism = {}, const std::string& authdb = {});
+TDataSource mongoSource(const std::string& collection, const std::string& query = {});
+/// The server process of this test program, started when it is first needed.
+const TLocalServer& sharedServer();
+
+TStoreOptions optionsFor(TValue connection);
+void writeAll(const TBed& bed, const std::string& collection, const std::vector<TObject>& documents,
+              TRecordingSink& sink, std::int64_t bulkSize = 0);
+std::vector<TObject> readAll(const TBed& bed, const std::string& collection, const TShare& share = {},
+                             std::int64_t fetchLimit = 100);
+/// The text of what a call throws as TStoreError, its kind checked; empty when it does not throw.
+std::string faultOf(TStoreErrorKind kind, const std::function<void()>& call);
+
+}  // namespace hollowmere

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace hollowmere {
+
+/// A real MongoDB server process of the test's own, through the script in tests/servers; it ends with this
+/// object, or with the test program. Throws std::runtime_error when it does not start.
+class TLocalServer {
+ public:
+  /// Options of the script, "--auth" for example.
+  explicit TLocalServer(const std::string& options = {});
+  ~TLocalServer();
+  TLocalServer(const TLocalServer&) = delete;
+  TLocalServer& operator=(const TLocalServer&) = delete;
+
+  [[nodiscard]] std::uint16_t port() const { return port_; }
+
+ private:
+  std::uint16_t port_ = 0;
+};
+
+}  // namespace hollowmere
