@@ -2,9 +2,8 @@
 
 #include <QMainWindow>
 #include <QTimer>
-#include <map>
-#include <string>
 
+#include "settings/connectionrecord.h"
 #include "ui/mdichild.h"
 #include "ui/windowcontext.h"
 
@@ -15,6 +14,7 @@ class QTabBar;
 namespace hollowmere {
 
 class TfrmProject;
+struct TProject;
 
 /// The frame of the program: a multi-document area with a tab for each child, the main actions, recent
 /// projects, and the rules for ending.
@@ -25,13 +25,14 @@ class TfrmMain : public QMainWindow {
   explicit TfrmMain(TWindowContext& context);
   ~TfrmMain() override;
 
-  /// Opens a project file in a window of its own, or brings the one that has it to the front.
+  /// Opens a project file in a window of its own, or brings the one that has it to the front. nullptr when
+  /// it cannot be opened; the message has been shown.
   TfrmProject* openProject(const QString& fileName);
   TfrmProject* newProject();
   /// Opens the browser of a connection's store; says so when there is none yet.
   void openDBWindow(const ConnectionConfig& connection);
   void openConnectionList();
-  [[nodiscard]] QList<TMdiChild*> children() const;
+  [[nodiscard]] QList<TMdiChild*> childWindows() const;
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -40,28 +41,29 @@ class TfrmMain : public QMainWindow {
   void dropEvent(QDropEvent* event) override;
 
  private:
-  void makeActions();
-  void makeMenus();
-  void makeEditActions();
-  QAction* makeAction(const char* name, const QString& caption, const char* icon, const QKeySequence& shortcut);
-  void addChild(TMdiChild* child);
+  QAction* makeAction(const char* name, const QString& caption, const char* icon, const QKeySequence& keys);
+  void makeFileMenu();
+  void makeEditMenu();
+  void makeWindowMenu();
+  void makeHelpMenu();
+  void showChild(TMdiChild* child);
+  TfrmProject* showProject(TProject project);
+  [[nodiscard]] TfrmProject* findProject(const QString& fileName) const;
   void fillRecent();
   void rememberRecent(const QString& fileName);
   void chooseProject();
   void showOptions();
   void showAbout();
-  void onStartTimer();
   void onActivated(QMdiSubWindow* window);
-  void onTab(int index);
   void updateTabs();
-  void arrange();
+  void showStatus();
+  [[nodiscard]] bool mayExit();
 
   TWindowContext& context_;
   QMdiArea* area_;
   QTabBar* tabs_;
+  QToolBar* toolBar_;
   QMenu* recent_ = nullptr;
-  QMenu* editMenu_ = nullptr;
-  QTimer startTimer_;
   int windowNumber_ = 0;
   bool shown_ = false;
 };

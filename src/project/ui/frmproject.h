@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QPointer>
+#include <QDateTime>
 #include <QTimer>
 #include <memory>
 
@@ -10,8 +10,10 @@
 #include "ui/mdichild.h"
 #include "ui/windowcontext.h"
 
+class QAction;
 class QLabel;
 class QTabWidget;
+class QToolBar;
 
 namespace hollowmere {
 
@@ -36,40 +38,50 @@ class TfrmProject : public TMdiChild {
   [[nodiscard]] QString exitRefusal() const override;
   [[nodiscard]] QString statusText() const override;
 
-  bool save();
-  bool saveAs();
-  void startLoad();
-  void stopLoad();
+  // The actions of the window; each says what is wrong through the prompt.
+  void actSave();
+  void actSaveAs();
+  void actStartExecute();
+  void actStopExecute();
 
  Q_SIGNALS:
+  /// The project was written to this file.
   void saved(const QString& fileName);
 
  private:
+  QAction* addAction(QToolBar* bar, const char* name, const QString& caption, const char* icon,
+                     const QKeySequence& keys, void (TfrmProject::*slot)());
   void makeToolBar();
+  void makePages();
   void onEdited();
-  void refuse(const std::string& message);
-  bool saveTo(const QString& fileName);
-  bool overwritesForeignChange(const QString& fileName);
-  void rememberFile();
-  void configureConnection(TSide side);
-  void changeType(TSide side, const QString& dbType);
-  void setSide(TSide side, TProjectSide value);
-  void onTick();
   void onUndo();
   void onRedo();
+  void refreshPages();
+  void refuse(const QString& message);
+  bool saveTo(const QString& fileName);
+  bool mayOverwrite(const QString& fileName);
+  void noteFile(const std::string& fileName);
+  void showCaption();
+  void configureConnection(TSide side);
+  void changeType(TSide side, const QString& dbType);
+  void changeSide(TSide side, TProjectSide value);
+  [[nodiscard]] bool chooseConnection(TSide side, TProjectSide& value);
+  void onTick();
 
   TWindowContext& context_;
   TProjectEditor editor_;
   TProjectFile file_;
   std::unique_ptr<TRunControl> run_;
   QTimer tLoadTimer_;
-  QTabWidget* pages_;
-  QLabel* fileLabel_;
-  TGeneralPage* general_;
-  TDataSourcesPage* sources_;
-  TDataTargetsPage* targets_;
-  TMappingPage* mapping_;
-  TRunPage* runPage_;
+  QTabWidget* pages_ = nullptr;
+  QLabel* fileLabel_ = nullptr;
+  QAction* undo_ = nullptr;
+  QAction* redo_ = nullptr;
+  TGeneralPage* general_ = nullptr;
+  TDataSourcesPage* sources_ = nullptr;
+  TDataTargetsPage* targets_ = nullptr;
+  TMappingPage* mapping_ = nullptr;
+  TRunPage* runPage_ = nullptr;
   QDateTime fileTime_;  ///< of the file when it was read or written last
 };
 
