@@ -227,8 +227,8 @@ void TMappingPage::makePreview() {
   fault_->setWordWrap(true);
   fault_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   layout->addWidget(fault_);
-  splitter_->setStretchFactor(0, 3);
-  splitter_->setStretchFactor(1, 4);
+  // Half and half; the splitter brings them down to its width.
+  splitter_->setSizes({10000, 10000});
 }
 
 void TMappingPage::fill(QTreeWidgetItem* parent, const std::vector<TMapNode>& nodes) {
