@@ -17,13 +17,14 @@ class TStringStream {
  public:
   using Ch = char;
 
-  explicit TStringStream(std::string& out) : out_(out), used_(out.size()) {}
+  explicit TStringStream(std::string& out) : out_(out), begin_(out.size()), used_(out.size()) {}
   TStringStream(const TStringStream&) = delete;
   TStringStream& operator=(const TStringStream&) = delete;
   ~TStringStream() { out_.resize(used_); }
 
   void reserve(std::size_t count) {
-    if (out_.size() - used_ < count) out_.resize(std::max(out_.capacity(), 2 * used_ + count + 256));
+    // More room costs filling it, so it grows with what this stream writes, not with what was there before.
+    if (out_.size() - used_ < count) out_.resize(used_ + count + std::max<std::size_t>(256, used_ - begin_));
   }
   void putUnsafe(char c) { out_[used_++] = c; }
   void Put(char c) {
@@ -34,6 +35,7 @@ class TStringStream {
 
  private:
   std::string& out_;
+  std::size_t begin_;
   std::size_t used_;
 };
 

@@ -107,6 +107,8 @@ bool TVirtualCollection::answer(const TRequest& request, std::string& frame) {
     count(request, frame);
   else if (request.command == "aggregate")
     aggregate(request, frame);
+  else if (request.command == "listCollections")
+    listCollections(request, frame);
   else
     return false;
   return true;
@@ -193,6 +195,23 @@ void TVirtualCollection::aggregate(const TRequest& request, std::string& frame) 
   if (options_.count > 0) {
     const auto n = static_cast<std::int64_t>(options_.count);
     reply.element().append(TBsonBuilder().int32("_id", 1).int64("n", n).take().bytes());
+  }
+  reply.finish(0);
+}
+
+/// The collection asked for by name is there, whatever its name.
+void TVirtualCollection::listCollections(const TRequest& request, std::string& frame) {
+  const TBsonView body(request.body);
+  TCursorReply reply(frame, request, std::string(request.database) + ".$cmd.listCollections", true);
+  if (const std::string_view filter = nestedField(body.get(), "filter"); !filter.empty()) {
+    const TBsonView wanted(filter);
+    const std::string name(textField(wanted.get(), "name"));
+    reply.element().append(TBsonBuilder()
+                               .text("name", name)
+                               .text("type", "collection")
+                               .document("options", TBson())
+                               .take()
+                               .bytes());
   }
   reply.finish(0);
 }

@@ -40,8 +40,8 @@ class TVirtualCollection {
  public:
   explicit TVirtualCollection(TVirtualOptions options) : options_(std::move(options)) {}
 
-  /// Puts the answer frame for find, getMore, killCursors, count or aggregate into `frame`; false and nothing
-  /// for any other command. Throws TCommandError for what a server refuses.
+  /// Puts the answer frame for find, getMore, killCursors, count, aggregate or listCollections into `frame`;
+  /// false and nothing for any other command. Throws TCommandError for what a server refuses.
   bool answer(const TRequest& request, std::string& frame);
   /// Documents handed out so far.
   std::uint64_t served() const;
@@ -59,6 +59,7 @@ class TVirtualCollection {
   void killCursors(const TRequest& request, std::string& frame);
   void count(const TRequest& request, std::string& frame);
   void aggregate(const TRequest& request, std::string& frame);
+  void listCollections(const TRequest& request, std::string& frame);
   void fillBatch(TCursorReply& reply, TCursor& cursor, std::uint64_t batchSize);
 
   const TVirtualOptions options_;

@@ -1,0 +1,274 @@
+"""The measurements; bench/run calls this. Each figure is the median of several rounds, each round measures
+a thing and what it is held against one after the other."""
+
+import argparse
+import json
+import math
+import os
+import re
+import socket
+import statistics
+import subprocess
+import threading
+import time
+
+import rows
+from harness import (BIN, TOOLS, Sink, Table, file, interrupt, load, mongo, node, path, project, run)
+
+parser = argparse.ArgumentParser()
+parser.add_argument("--quick", action="store_true")
+parser.add_argument("name", nargs="?", default="")
+options = parser.parse_args()
+
+ROUNDS = 1 if options.quick else 5
+table = Table()
+measurements = []
+
+
+def measurement(function):
+    measurements.append(function)
+    return function
+
+
+def size(full, quick):
+    return quick if options.quick else full
+
+
+def rows_file(count):
+    name = path("rows-%d.json" % count)
+    if not os.path.exists(name):
+        rows.write_rows(name, count)
+    return name
+
+
+def per_row(count, seconds):
+    return "%.2f µs" % (seconds / count * 1e6)
+
+
+def a_second(count, seconds):
+    return "%s rows/s" % format(round(count / seconds, -2), ",.0f")
+
+
+IDENTITY = [node(name, name, kind) for name, kind in rows.FIELDS]
+ASSEMBLED = IDENTITY[:6] + [node("address", "address", "JSON Object"), node("tags", "tags", "JSON List"),
+                            node("comment", "comment", "String"),
+                            node("contacts", "rows", "Data Source (JSON List)",
+                                 [node("mail", "email", "String"), node("call", "phone", "String")])]
+
+
+@measurement
+def json_text():
+    """JSON text to document, one thread, CPU time."""
+    rows.write_mixed(path("mixed.json"), 3000)
+    for what, name in (("434-byte rows", rows_file(10_000)), ("mixed file", path("mixed.json"))):
+        found = json.loads(run(os.path.join(BIN, "hm-bench-json"), name, str(ROUNDS)).out)
+        ours = found["hollowmere"]
+        for other, bar in (("rapidjson", 0.8), ("qjson", 3)):
+            table.add("JSON text to document, %s, speed against %s" % (what, other),
+                      [theirs / own for theirs, own in zip(found[other], ours)], ("at least", bar), " x",
+                      "%.0f ns a document" % statistics.median(ours))
+
+
+def load_file(count, children, bulk=1000):
+    with Sink() as sink:
+        return load(project(file(rows_file(count)), mongo(sink.port), children, bulk), count)
+
+
+@measurement
+def file_to_mongodb():
+    count = size(400_000, 100_000)
+    name = rows_file(count)
+
+    def hand_loop():
+        with Sink() as sink:
+            return run(os.path.join(BIN, "hm-bench-handloop"), name, str(sink.port), "1000")
+
+    found = {"identity": [], "no children": [], "nested": [], "hand": []}
+    for _ in range(ROUNDS):
+        found["identity"].append(load_file(count, IDENTITY))
+        found["hand"].append(hand_loop())
+        found["nested"].append(load_file(count, ASSEMBLED))
+        found["no children"].append(load_file(count, []))
+
+    def against(what, other):
+        return [a.cpu / b.cpu for a, b in zip(found[what], found[other])]
+
+    def note(what):
+        return per_row(count, statistics.median(one.cpu for one in found[what])) + " of CPU a row"
+
+    table.add("file to MongoDB, CPU against a hand-written loop", against("identity", "hand"), ("at most", 3), " x",
+              note("identity") + ", the loop " + note("hand"))
+    table.add("file to MongoDB without mapped fields, CPU against the loop", against("no children", "hand"),
+              ("at most", 3), " x", note("no children"))
+    table.add("file to MongoDB with a nested list, CPU against the plain mapping", against("nested", "identity"),
+              ("at most", 2), " x", note("nested"))
+
+
+@measurement
+def mongoimport():
+    count = size(100_000, 50_000)
+
+    def theirs(workers):
+        with Sink() as sink:
+            return run(TOOLS + "/mongoimport", "--quiet", "--host", "127.0.0.1", "--port", str(sink.port), "-d", "bench",
+                       "-c", "copies", "--numInsertionWorkers", str(workers), rows_file(count)).wall
+
+    best = min((1, 2, 4), key=theirs)
+    own_count = count * 4
+    ratios, speeds = [], []
+    for _ in range(ROUNDS):
+        peer = theirs(best) / count
+        own = load_file(own_count, IDENTITY).wall / own_count
+        ratios.append(peer / own)
+        speeds.append((1 / own, 1 / peer))
+    table.add("file to MongoDB, speed against mongoimport", ratios, ("at least", 5), " x",
+              "%s against %s with %d workers" % (a_second(statistics.median(s[0] for s in speeds), 1),
+                                                 a_second(statistics.median(s[1] for s in speeds), 1), best))
+
+
+@measurement
+def mongoexport():
+    count = size(200_000, 50_000)
+    ratios, speeds = [], []
+    for _ in range(ROUNDS):
+        with Sink("--source", count) as source:
+            peer = run(TOOLS + "/mongoexport", "--quiet", "--host", "127.0.0.1", "--port", str(source.port), "-d", "bench",
+                       "-c", "rows", "-o", path("peer.json")).wall
+            own = load(project(mongo(source.port), file(path("own.json"))), count).wall
+        ratios.append(peer / own)
+        speeds.append((count / own, count / peer))
+    table.add("MongoDB to file, speed against mongoexport", ratios, ("at least", 3), " x",
+              "%s against %s" % tuple(a_second(statistics.median(s[i] for s in speeds), 1) for i in (0, 1)))
+
+
+@measurement
+def batches():
+    """How much sending many documents at once brings."""
+    counts = {1: 10_000, 10: 50_000, 100: 200_000, 500: 200_000, 1000: 200_000}
+    speeds = {bulk: [] for bulk in counts}
+    for _ in range(ROUNDS):
+        for bulk, count in counts.items():
+            speeds[bulk].append(count / load_file(count, IDENTITY, bulk).result["seconds"])
+    note = ", ".join("%d: %s" % (bulk, a_second(statistics.median(each), 1)) for bulk, each in speeds.items())
+    table.add("batches of 100 against single documents", [a / b for a, b in zip(speeds[100], speeds[1])],
+              ("at least", 20), " x", note)
+
+
+@measurement
+def threads():
+    """Every answer of source and target takes 1 ms: threads must wait side by side."""
+    each, bulk = size(10_000, 5_000), 10
+    speeds = {degree: [] for degree in (1, 2, 4, 8)}
+    for _ in range(ROUNDS):
+        for degree in speeds:
+            count = each * degree
+            with Sink("--source", count, "--delay-ms", 1) as source, Sink("--delay-ms", 1) as sink:
+                loaded = load(project(mongo(source.port), mongo(sink.port), (), bulk, degree), count)
+            speeds[degree].append(count / loaded.result["seconds"])
+    for degree in (2, 4, 8):
+        table.add("1 ms an answer, batches of 10, %d threads" % degree,
+                  [a / b / degree for a, b in zip(speeds[degree], speeds[1])], ("at least", 0.9), " x threads")
+
+
+@measurement
+def requests():
+    """Nothing is asked of the server beyond the batches and what connecting needs."""
+    for degree, count, bulk in ((1, 100_001, 100), (4, 100_003, 1000)):
+        with Sink("--source", count) as source, Sink() as sink:
+            load(project(mongo(source.port), mongo(sink.port), (), bulk, degree), count)
+        shares = [count // degree] * (degree - 1) + [count - count // degree * (degree - 1)]
+        wanted = sum(math.ceil(share / bulk) for share in shares)
+        others = {name: n for name, n in sink.counts["requests"].items() if name != "insert"}
+        table.add("insert requests beyond rows / batch, %d threads" % degree,
+                  [abs(sink.counts["requests"]["insert"] - wanted)], ("at most", 0),
+                  note="%d inserts; connecting: %s" % (wanted, ", ".join("%s %d" % o for o in others.items())))
+
+
+@measurement
+def memory():
+    few, many = size((1_000_000, 10_000_000), (100_000, 1_000_000))
+
+    def peak(count, degree):
+        with Sink("--source", count) as source, Sink() as sink:
+            return load(project(mongo(source.port), mongo(sink.port), (), 1000, degree), count).peak
+
+    peaks = peak(few, 1), peak(many, 1)
+    table.add("MongoDB to MongoDB, peak memory of %s rows over %s" % (format(many, ","), format(few, ",")),
+              [peaks[1] - peaks[0]], ("at most", 5), " MB", "%.0f and %.0f MB" % peaks)
+    table.add("MongoDB to MongoDB, peak memory with 4 threads", [peak(few, 4)], ("at most", 150), " MB")
+    peaks = [load_file(count, IDENTITY).peak for count in (few // 10, few)]
+    table.add("file to MongoDB, peak memory of %s rows over %s" % (format(few, ","), format(few // 10, ",")),
+              [peaks[1] - peaks[0]], ("at most", 5), " MB", "%.0f and %.0f MB" % tuple(peaks))
+
+
+@measurement
+def refused_rows():
+    """Refused rows go to the discard file, and the load keeps its pace."""
+    count = size(400_000, 100_000)
+
+    def speed(*sink_options):
+        with Sink(*sink_options) as sink:
+            return count / load(project(file(rows_file(count)), mongo(sink.port), IDENTITY), count).wall
+
+    shares = {1: 0.90, 10: 0.60}
+    ratios = {share: [] for share in shares}
+    for _ in range(ROUNDS):
+        clean = speed()
+        for share in shares:
+            ratios[share].append(speed("--refuse-every", 100 // share) / clean)
+    for share, bar in shares.items():
+        table.add("%d %% of the rows refused, speed against none" % share, ratios[share], ("at least", bar), " x")
+
+
+def silent_server():
+    """Takes connections and bytes and never says a word."""
+    listener = socket.create_server(("127.0.0.1", 0))
+    taken = []
+
+    def accept():
+        while True:
+            try:
+                taken.append(listener.accept()[0])
+            except OSError:
+                return
+
+    threading.Thread(target=accept, daemon=True).start()
+    return listener
+
+
+@measurement
+def stopping():
+    """From Ctrl-C to the end of the process."""
+    count = 3_000_000
+    seconds = {"a load": [], "a server silent from the start": [], "a server silent during the load": []}
+    listener = silent_server()
+    for _ in range(ROUNDS):
+        with Sink("--source", count) as source:
+            with Sink() as sink:
+                seconds["a load"].append(interrupt(project(mongo(source.port), mongo(sink.port)), 0.6))
+            with Sink("--delay-ms", 600_000) as sink:
+                seconds["a server silent during the load"].append(
+                    interrupt(project(mongo(source.port), mongo(sink.port)), 0.6))
+            seconds["a server silent from the start"].append(
+                interrupt(project(mongo(source.port), mongo(listener.getsockname()[1])), 0.6))
+    listener.close()
+    for what, figures in seconds.items():
+        table.add("stopping " + what, figures, ("at most", 0.5 if what == "a load" else 2), " s")
+
+
+@measurement
+def start():
+    """A whole run of one row: its first row cannot be read later than that."""
+    walls = []
+    with Sink() as sink:
+        made = project(file(rows_file(1)), mongo(sink.port), IDENTITY)
+        for _ in range(ROUNDS):
+            walls.append(load(made, 1).wall)
+    table.add("hollowmere-cli run of one row, start to end", walls, ("at most", 0.2), " s")
+
+
+started = time.monotonic()
+for each in measurements:
+    if re.search(options.name, each.__name__):
+        each()
+print("\n%s\n\n%.0f s, %d rounds" % (table.text(), time.monotonic() - started, ROUNDS))
