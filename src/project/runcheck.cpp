@@ -1,7 +1,6 @@
 #include "project/runcheck.h"
 
 #include <algorithm>
-#include <set>
 
 #include "engine/assembly.h"
 #include "engine/targettype.h"
@@ -28,16 +27,21 @@ bool targetExists(const TProject& project, const std::string& name) {
 
 std::string quoted(const std::string& text) { return "\"" + text + "\""; }
 
+bool writeSameAttribute(const TNodePlan& a, const TNodePlan& b) {
+  // However it is written, the identifier becomes "_id".
+  return a.target == b.target || (a.isId && b.isId);
+}
+
 /// Two children of one node that write the same attribute: one of them would be lost.
 std::string checkTargetsApart(const TNodePlan& node) {
-  std::set<std::string, std::less<>> seen;
-  for (const TNodePlan& child : node.children)
-    if (!seen.insert(child.target).second) {
-      const auto first = std::find_if(node.children.begin(), node.children.end(),
-                                      [&](const TNodePlan& other) { return other.target == child.target; });
-      return "The source attributes " + quoted(first->source) + " and " + quoted(child.source) + " of " +
-             quoted(node.source) + " are both mapped to the target attribute " + quoted(child.target) + ".";
-    }
+  for (auto second = node.children.begin(); second != node.children.end(); ++second) {
+    const auto first = std::find_if(node.children.begin(), second, [&](const TNodePlan& other) {
+      return writeSameAttribute(other, *second);
+    });
+    if (first != second)
+      return "The source attributes " + quoted(first->source) + " and " + quoted(second->source) + " of " +
+             quoted(node.source) + " are both mapped to the target attribute " + quoted(second->target) + ".";
+  }
   return {};
 }
 

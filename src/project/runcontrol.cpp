@@ -91,6 +91,7 @@ void TRunControl::initialise() {
   log(runtexts::initTargets);
   log(runtexts::initMapping);
   makeThreads();
+  if (!fileFault_.empty()) throw std::runtime_error(fileFault_);
   startTicks_ = services_.clock.ticks();
   startThreads();
   state_ = TRunState::Running;

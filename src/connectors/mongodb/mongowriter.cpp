@@ -87,8 +87,8 @@ void TMongoWriter::keepToLimits() {
   const bson_t& hello = *mongoc_server_description_hello_response(server);
   const std::int64_t message = numberMember(hello, "maxMessageSizeBytes") - messageReserve;
   batchBytes_ = std::max(batchBytes_, static_cast<std::size_t>(std::max<std::int64_t>(0, message)));
-  const std::int64_t documents = std::max<std::int64_t>(1, numberMember(hello, "maxWriteBatchSize"));
-  batchSize_ = std::min(batchSize_, static_cast<std::size_t>(documents));
+  if (const std::int64_t most = numberMember(hello, "maxWriteBatchSize"); most > 0)
+    batchSize_ = std::min(batchSize_, static_cast<std::size_t>(most));
   mongoc_server_description_destroy(server);
 }
 
