@@ -134,6 +134,16 @@ bool isSecret(std::string_view member) {
   return std::ranges::any_of(secrets, [member](TTexts name) { return equalIgnoringCase(name, member); });
 }
 
+TValue replaceSecrets(const TValue& value, TTexts text) {
+  TValue changed = value;
+  if (changed.is(TKind::List))
+    for (TValue& item : changed.asList()) item = replaceSecrets(item, text);
+  if (changed.is(TKind::Object))
+    for (TMember& member : changed.asObject())
+      member.value = isSecret(member.name) ? TValue(text) : replaceSecrets(member.value, text);
+  return changed;
+}
+
 std::string hostColumn(const ConnectionConfig& record, std::string_view type) {
   if (type == dbtype::mongodb)
     return textOf(record, "host") + "@" + textOf(record, "database") + "/" + textOf(record, "user");
@@ -148,6 +158,13 @@ std::span<const TConnectionType> connectionTypes() { return types; }
 const TConnectionType* findConnectionType(std::string_view dbType) {
   const auto* const found = std::ranges::find(types, dbType, &TConnectionType::dbType);
   return found == types.end() ? nullptr : found;
+}
+
+std::vector<std::string> fieldChoices(const TConnectionField& field, std::string_view text) {
+  std::vector<std::string> choices(field.choices.begin(), field.choices.end());
+  for (const std::string_view further : {field.initial, text})
+    if (std::ranges::find(choices, further) == choices.end()) choices.emplace(choices.begin(), further);
+  return choices;
 }
 
 TFieldValues newConnectionValues(const TConnectionType& type) {
@@ -191,15 +208,9 @@ TConnectionRow connectionRow(const ConnectionConfig& record) {
   return {hostColumn(record, type), port, type, {}, toJson(record)};
 }
 
-TValue maskSecrets(const TValue& value) {
-  TValue masked = value;
-  if (masked.is(TKind::List))
-    for (TValue& item : masked.asList()) item = maskSecrets(item);
-  if (masked.is(TKind::Object))
-    for (TMember& member : masked.asObject())
-      member.value = isSecret(member.name) ? TValue("********") : maskSecrets(member.value);
-  return masked;
-}
+TValue maskSecrets(const TValue& value) { return replaceSecrets(value, "********"); }
+
+TValue withoutSecrets(const TValue& value) { return replaceSecrets(value, ""); }
 
 bool isConfigured(const TValue& value) {
   if (value.is(TKind::Object)) return !value.asObject().empty();
