@@ -19,7 +19,8 @@ class TConnectionExportError : public std::runtime_error {
 /// {"connections":[record, ...]}, each password an empty text.
 std::string exportConnections(const TConnectionList& list);
 /// With their passwords, enciphered under a pass phrase, see TCipher::underPassPhrase(): the JSON text
-/// {"sealed":1,"salt":Base64,"content":Base64 of the enciphered text above}. Slow by design, about a tenth of a second.
+/// {"sealed":1,"salt":Base64,"content":Base64 of the enciphered text above}. Slow by design, about a tenth of
+/// a second.
 std::string exportConnections(const TConnectionList& list, std::string_view passPhrase);
 
 /// Whether the bytes want a pass phrase. Throws TConnectionExportError when they are no export at all.

@@ -180,15 +180,22 @@ TFieldValues connectionValues(const TConnectionType& type, const ConnectionConfi
   return values;
 }
 
-std::string checkConnection(const TConnectionType& type, const TFieldValues& values) {
+std::optional<TFieldFault> findFieldFault(const TConnectionType& type, const TFieldValues& values) {
   for (const TConnectionField& field : type.fields)
-    if (!field.required.empty() && valueOf(values, field.member).empty()) return std::string(field.required);
+    if (!field.required.empty() && valueOf(values, field.member).empty())
+      return TFieldFault{field.member, std::string(field.required)};
   if (holdsProtocol(valueOf(values, "host")))
-    return "Do not use http: or https: protocol prefixes in the host name.";
+    return TFieldFault{"host", "Do not use http: or https: protocol prefixes in the host name."};
   for (const TConnectionField& field : type.fields)
     if (field.kind == Number && portOf(valueOf(values, field.member)) < 0)
-      return std::string(field.caption) + " must be a whole number from 0 to 65535.";
-  return {};
+      return TFieldFault{field.member,
+                         std::string(field.caption) + " must be a whole number from 0 to 65535."};
+  return std::nullopt;
+}
+
+std::string checkConnection(const TConnectionType& type, const TFieldValues& values) {
+  const auto fault = findFieldFault(type, values);
+  return fault ? fault->message : std::string();
 }
 
 ConnectionConfig buildConnection(const TConnectionType& type, const TFieldValues& values) {

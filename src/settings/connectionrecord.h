@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -69,7 +70,15 @@ std::vector<std::string> fieldChoices(const TConnectionField& field, std::string
 TFieldValues newConnectionValues(const TConnectionType& type);
 /// The rows for an existing record; a member it lacks stands as for a new connection.
 TFieldValues connectionValues(const TConnectionType& type, const ConnectionConfig& record);
-/// Empty when all is well, else the first message, in the order of the checks.
+/// A row that cannot stay as it is.
+struct TFieldFault {
+  std::string_view member;
+  std::string message;
+};
+
+/// The first fault of the rows, in the order of the checks; nothing when all is well.
+std::optional<TFieldFault> findFieldFault(const TConnectionType& type, const TFieldValues& values);
+/// Its message; empty when all is well.
 std::string checkConnection(const TConnectionType& type, const TFieldValues& values);
 /// The record of values that checkConnection() passed.
 ConnectionConfig buildConnection(const TConnectionType& type, const TFieldValues& values);
