@@ -18,6 +18,7 @@
 #include "json/json.h"
 #include "project/projectdocument.h"
 #include "settings/cipher.h"
+#include "settings/rtftext.h"
 #include "support/tempfolder.h"
 
 namespace hollowmere::fuzz {
@@ -138,6 +139,8 @@ void project(std::string_view bytes) {
   }
 }
 
+void rtf(std::string_view bytes) { REQUIRE(isUtf8(rtfText(bytes))); }
+
 void cipher(std::string_view bytes) {
   static const TCipher sealed;
   try {
@@ -171,6 +174,7 @@ constexpr std::array table{
     TTarget{"bson", bson, "\x16\0\0\0\2k\0\3\0\0\0ab\0\4l\0\5\0\0\0\0\0"sv},
     TTarget{"project", project, projectSeed},
     TTarget{"cipher", cipher, "SE0BAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA"sv},
+    TTarget{"rtf", rtf, R"({\rtf1\uc2{\*\x;}\b a\u-10179\u-8704 ??\'e9\par\bin3 abc})"sv},
 };
 
 }  // namespace

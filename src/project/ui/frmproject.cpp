@@ -238,8 +238,8 @@ bool TfrmProject::chooseConnection(TSide side, TProjectSide& value) {
   dialog.loadAllowedDataSourceTypes({value.dbType});
   if (value.connection.is(TKind::Object) && !value.connection.asObject().empty())
     dialog.setConnection(value.connection.asObject());
-  if (dialog.exec() != QDialog::Accepted) return false;
-  value.connection = dialog.connection();
+  if (dialog.exec() != QDialog::Accepted || !dialog.connection()) return false;
+  value.connection = *dialog.connection();
   return true;
 }
 
