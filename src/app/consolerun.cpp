@@ -133,7 +133,7 @@ int runBatch(const std::string& projectFile) {
     TCallQueue mainThread;
     TRunControl control(program.projectFile().open(projectFile),
                         {program.stores, prompt, mainThread, program.clock, program.dates,
-                         static_cast<std::size_t>(program.settings.bufLen), consoleBackground(mainThread)},
+                         static_cast<std::size_t>(program.settings.bufLen), consoleBackground(mainThread), {}},
                         true);
     TConsoleOptions options;
     options.closingPause = 1000;

@@ -46,7 +46,7 @@ TRunServices makeServices(TProgram& program, const TCall& call, TMainThread& mai
           program.clock,
           program.dates,
           static_cast<std::size_t>(program.settings.bufLen),
-          consoleBackground(mainThread)};
+          consoleBackground(mainThread), {}};
 }
 
 void addCounts(TObject& object, const TLoadCounts& counts) {
