@@ -12,6 +12,9 @@ find_package(pugixml REQUIRED)
 pkg_check_modules(MONGOC REQUIRED IMPORTED_TARGET libmongoc-1.0)
 if(HOLLOWMERE_TESTS)
   find_package(GTest REQUIRED)
+  if(HOLLOWMERE_GUI)
+    find_package(Qt6 REQUIRED COMPONENTS Test)
+  endif()
 endif()
 
 # RapidJSON is headers only; its package config names folders, not a target.

@@ -134,11 +134,14 @@ class TPropertyDelegate : public QStyledItemDelegate {
       Q_EMIT grid_.buttonClicked(key);
       return;
     }
+    // The view may end the edit, and with it the editor, as soon as the file dialog takes the focus.
+    const QString typed = editor->line->text();
+    Q_EMIT closeEditor(editor);
     const QString name = property->kind == TPropertyKind::SaveFile
-                             ? QFileDialog::getSaveFileName(editor, property->caption, editor->line->text(), {},
-                                                            nullptr, QFileDialog::DontConfirmOverwrite)
-                             : QFileDialog::getOpenFileName(editor, property->caption, editor->line->text());
-    if (!name.isEmpty()) editor->line->setText(name);
+                             ? QFileDialog::getSaveFileName(&grid_, property->caption, typed, {}, nullptr,
+                                                            QFileDialog::DontConfirmOverwrite)
+                             : QFileDialog::getOpenFileName(&grid_, property->caption, typed);
+    if (!name.isEmpty()) grid_.commit(at, name);
   }
 
   TPropertyGrid& grid_;

@@ -2,6 +2,7 @@
 
 #include "json/json.h"
 #include "settings/connectionedit.h"
+#include "settings/connectionhelp.h"
 #include "settings/optionrows.h"
 #include "settings/rtftext.h"
 #include "support/failingfiles.h"
@@ -124,6 +125,17 @@ TEST(ConnectionRows, AreShownAndSearchedWithoutPasswords) {
   EXPECT_TRUE(rowMatches(row, "sCOTT@"));
   EXPECT_TRUE(rowMatches(row, ""));
   EXPECT_FALSE(rowMatches(row, "tiger"));
+}
+
+TEST(ConnectionHelp, IsTheTextOfTheFileBesideTheProgram) {
+  const TTempFolder temp;
+  const TConnectionType& type = *findConnectionType(dbtype::hbase);
+  const std::string path = temp.file("Help/hbase.rtf");
+  const std::string program = path.substr(0, path.rfind("/Help/"));
+  EXPECT_EQ(connectionHelp(type, program), "No help file found: " + path);
+  std::filesystem::create_directory(temp.file("Help"));
+  writeBytes(path, R"({\rtf1 About \b HBase})");
+  EXPECT_EQ(connectionHelp(type, program), "About HBase");
 }
 
 TEST(RtfText, ShowsTheTextAndNothingElse) {

@@ -41,12 +41,13 @@ TfrmDBConfig::TfrmDBConfig(TWindowContext& context, QWidget* parent)
   splitter_->addWidget(makeHelp());
   splitter_->setStretchFactor(0, 3);
   splitter_->setStretchFactor(1, 2);
+  QWidget* testRow = makeTestRow();
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
   buttons->button(QDialogButtonBox::Ok)->setObjectName(QStringLiteral("bOK"));
   buttons->button(QDialogButtonBox::Cancel)->setObjectName(QStringLiteral("bCancel"));
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(splitter_, 1);
-  layout->addWidget(makeTestRow());
+  layout->addWidget(testRow);
   layout->addWidget(buttons);
   connect(buttons, &QDialogButtonBox::accepted, this, &TfrmDBConfig::accept);
   connect(buttons, &QDialogButtonBox::rejected, this, &TfrmDBConfig::reject);
