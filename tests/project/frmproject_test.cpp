@@ -1,20 +1,27 @@
 #include "project/ui/frmproject.h"
 
-#include <QProgressBar>
+#include <gtest/gtest.h>
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QTabWidget>
 #include <QTableWidget>
+#include <QTest>
 #include <QTreeWidget>
 
 #include "connectors/jsonfile/jsonfileconnector.h"
 #include "project/edittexts.h"
 #include "project/runtexts.h"
+#include "project/ui/datasourcedialog.h"
+#include "support/dialogwalk.h"
 #include "support/toystore.h"
-#include "support/windowtest.h"
+#include "support/windowworld.h"
 
 namespace hollowmere {
 namespace {
 
-class ProjectWindow : public TWindowTest {
+class ProjectWindow : public ::testing::Test, protected TWindowWorld {
  protected:
   ProjectWindow() {
     toy->fillNumbered("people", 30);
@@ -32,10 +39,10 @@ class ProjectWindow : public TWindowTest {
   }
 
   static QString documentText(TfrmProject& window) {
-    return find<QPlainTextEdit>(window, "mPreviewDocument")->toPlainText();
+    return child<QPlainTextEdit>(window, "mPreviewDocument").toPlainText();
   }
 
-  static void showPage(TfrmProject& window, int page) { find<QTabWidget>(window, "pages")->setCurrentIndex(page); }
+  static void showPage(TfrmProject& window, int page) { child<QTabWidget>(window, "pages").setCurrentIndex(page); }
 
   std::shared_ptr<TToyServer> toy = std::make_shared<TToyServer>();
 };
@@ -45,7 +52,7 @@ TEST_F(ProjectWindow, AProjectIsBuiltPreviewedSavedAndRun) {
   window.show();
   showPage(window, 2);
   click(window, "bAddTarget");
-  auto* targets = find<QTableWidget>(window, "gDataTargets");
+  auto* targets = &child<QTableWidget>(window, "gDataTargets");
   targets->item(0, 0)->setText("copies");
   QCoreApplication::processEvents();
   targets->item(0, 1)->setText("copy");
@@ -57,7 +64,7 @@ TEST_F(ProjectWindow, AProjectIsBuiltPreviewedSavedAndRun) {
   ASSERT_TRUE(QTest::qWaitFor([&] { return documentText(window).contains("row 1"); })) << "the preview";
   click(window, "bAddAllFields");
   ASSERT_EQ(window.project().mapping.at(0).children.size(), 2U);
-  auto* tree = find<QTreeWidget>(window, "tlMapping");
+  auto* tree = &child<QTreeWidget>(window, "tlMapping");
   tree->topLevelItem(0)->child(1)->setText(0, "label");
   ASSERT_TRUE(QTest::qWaitFor([&] { return documentText(window).contains("\"label\": \"row 1\""); }));
   click(window, "bNextRow");
@@ -77,12 +84,12 @@ TEST_F(ProjectWindow, AProjectIsBuiltPreviewedSavedAndRun) {
   saved.actStartExecute();
   ASSERT_TRUE(QTest::qWaitFor([&] { return !saved.run()->busy(); }));
   EXPECT_EQ(toy->documents("copy").size(), 30U);
-  EXPECT_EQ(find<QLabel>(saved, "lLoaded")->text(), "30");
+  EXPECT_EQ(child<QLabel>(saved, "lLoaded").text(), "30");
   EXPECT_TRUE(QTest::qWaitFor([&] {
-    return find<QPlainTextEdit>(saved, "mLog")->toPlainText().contains("Load operation finished.");
+    return child<QPlainTextEdit>(saved, "mLog").toPlainText().contains("Load operation finished.");
   }));
-  find<QLineEdit>(saved, "eLogFilter")->setText("Thread#1: Loaded");
-  EXPECT_EQ(find<QPlainTextEdit>(saved, "mLog")->blockCount(), 1);
+  child<QLineEdit>(saved, "eLogFilter").setText("Thread#1: Loaded");
+  EXPECT_EQ(child<QPlainTextEdit>(saved, "mLog").blockCount(), 1);
   click(saved, "bOpenLog");
   EXPECT_EQ(opened, QStringList{QString::fromStdString(saved.project().logFile)});
 
@@ -91,10 +98,22 @@ TEST_F(ProjectWindow, AProjectIsBuiltPreviewedSavedAndRun) {
   EXPECT_TRUE(saved.close());
 }
 
+TEST_F(ProjectWindow, OwesItsUsersWhatEveryWindowDoes) {
+  TProject project = started();
+  project.dataTargets.push_back({"t", "t", ""});
+  project.mapping.push_back({"t", "People", "Data Source (JSON List)", {{"n", "name", "String", {}}}});
+  project.logFile = "log.txt";
+  project.discFile = "discard.txt";
+  TfrmProject window(context, project);
+  walkWindow(window, "frmproject");
+  TDataSourceDialog dialog(context, project, project.dataSources[0], nullptr);
+  walkWindow(dialog, "datasourcedialog");
+}
+
 TEST_F(ProjectWindow, RefusalsLeaveTheCellsAsTheyWere) {
   TfrmProject window(context, started());
   window.show();
-  auto* sources = find<QTableWidget>(window, "gDataSources");
+  auto* sources = &child<QTableWidget>(window, "gDataSources");
   prompt.expect(TPromptKind::Warning, edittexts::reservedSourceName);
   sources->item(0, 0)->setText("PARENT");
   QCoreApplication::processEvents();
@@ -104,7 +123,7 @@ TEST_F(ProjectWindow, RefusalsLeaveTheCellsAsTheyWere) {
   EXPECT_EQ(sources->rowCount(), 1);
 
   click(window, "bAddMapTarget");
-  auto* tree = find<QTreeWidget>(window, "tlMapping");
+  auto* tree = &child<QTreeWidget>(window, "tlMapping");
   prompt.expect(TPromptKind::Warning, edittexts::oneRootSource);
   tree->topLevelItem(0)->setText(1, "People, Others");
   QCoreApplication::processEvents();
@@ -122,7 +141,7 @@ TEST_F(ProjectWindow, AFailingRowIsShownWhereItIs) {
   TfrmProject window(context, project);
   window.show();
   showPage(window, 3);
-  auto* fault = find<QLabel>(window, "lPreviewFault");
+  auto* fault = &child<QLabel>(window, "lPreviewFault");
   ASSERT_TRUE(QTest::qWaitFor([&] { return fault->text().contains("\"name\""); })) << fault->text().toStdString();
   EXPECT_TRUE(fault->text().contains("row 1")) << "the value that is no number";
   click(window, "bNextRow");
@@ -167,5 +186,3 @@ TEST_F(ProjectWindow, AFileChangedByAnotherProgramIsNotOverwrittenUnasked) {
 
 }  // namespace
 }  // namespace hollowmere
-
-HOLLOWMERE_WINDOW_TEST_MAIN

@@ -7,6 +7,7 @@
 #include "support/scriptedprompt.h"
 #include "support/tempfolder.h"
 #include "support/testclock.h"
+#include "ui/qtmainthread.h"
 #include "ui/windowcontext.h"
 
 namespace hollowmere {
@@ -23,7 +24,7 @@ struct TWindowWorld {
   TDiskFiles files;
   TTestClock clock;
   TDateTimeText dates{"C"};
-  TInlineMainThread mainThread;
+  TQtMainThread mainThread;
   QStringList opened;  ///< what was to be opened outside of the program
   TWindowContext context{settings,
                          store,
