@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
+#include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QLineEdit>
 #include <QMdiArea>
@@ -75,6 +76,8 @@ TEST_F(MainWindow, WhatIsNoProjectOpensNothing) {
   prompt.expect(TPromptKind::Error, "Invalid project file.");
   QMimeData data;
   data.setUrls({QUrl::fromLocalFile(QString::fromStdString(temp.file("bad.hmp")))});
+  QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QCoreApplication::sendEvent(&window, &enter);
   QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
   QCoreApplication::sendEvent(&window, &drop);
   EXPECT_TRUE(window.childWindows().isEmpty());

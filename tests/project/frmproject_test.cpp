@@ -75,6 +75,7 @@ TEST_F(ProjectWindow, AProjectIsBuiltPreviewedSavedAndRun) {
   TProject named = window.project();
   named.fileName = file;
   TfrmProject saved(context, named);
+  saved.show();
   saved.actSave();
   EXPECT_FALSE(saved.project().changed);
   EXPECT_EQ(TProjectFile(cipher, files).open(file).mapping, window.project().mapping);

@@ -48,6 +48,8 @@ TDataSourceDialog::TDataSourceDialog(TWindowContext& context, const TProject& pr
   rows_->setPlaceholderText(tr("Test shows the first rows here."));
   layout->addWidget(rows_, 1);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+  buttons->button(QDialogButtonBox::Ok)->setObjectName(QStringLiteral("bOk"));
+  buttons->button(QDialogButtonBox::Cancel)->setObjectName(QStringLiteral("bCancel"));
   layout->addWidget(buttons);
   connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
