@@ -9,7 +9,9 @@
 #include <QStyleFactory>
 #include <QTabWidget>
 #include <QTableView>
+#include <chrono>
 #include <cstdio>
+#include <thread>
 
 #include "connectors/storeerror.h"
 #include "json/json.h"
@@ -66,6 +68,7 @@ class TPictures {
 
   void connectionTest() {
     world_.addStore("MongoDB", [](const TStoreOptions&) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(500));
       throw TStoreError(
           TStoreErrorKind::Connect, "",
           "No suitable servers found: connection refused calling hello on 'db.example.com:27017'");

@@ -15,6 +15,8 @@ namespace hollowmere {
 namespace {
 
 constexpr int highestPort = 65535;
+/// In characters; a longer one stands above its field.
+constexpr qsizetype longestCaption = 40;
 
 /// Passwords are shown as "*" whatever the desktop's style would take.
 class TStarStyle : public QProxyStyle {
@@ -43,7 +45,6 @@ TConnectionPage::TConnectionPage(const TConnectionType& type, QWidget* parent)
   setObjectName(QLatin1Char('p') + fromView(type.dbType));
   auto* layout = new QFormLayout(this);
   layout->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
-  layout->setRowWrapPolicy(QFormLayout::WrapLongRows);
   if (type.rows.empty())
     for (const TConnectionField& field : type.fields) addRow(*layout, field);
   for (const std::string_view member : type.rows)
@@ -59,7 +60,12 @@ void TConnectionPage::addRow(QFormLayout& layout, const TConnectionField& field)
   editor->setAccessibleName(caption);
   auto* label = new QLabel(caption, this);
   label->setBuddy(editor);
-  layout.addRow(label, editor);
+  if (caption.size() > longestCaption) {
+    layout.addRow(label);
+    layout.addRow(editor);
+  } else {
+    layout.addRow(label, editor);
+  }
   editors_.emplace(field.member, editor);
 }
 

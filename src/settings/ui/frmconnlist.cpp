@@ -71,6 +71,7 @@ void TfrmConnList::makeTable() {
   table_->horizontalHeader()->setObjectName(columnsName);
   table_->horizontalHeader()->setStretchLastSection(true);
   table_->horizontalHeader()->setHighlightSections(false);
+  table_->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   auto* cells = new TButtonDelegate(table_);
   table_->setItemDelegateForColumn(configureColumn, cells);
   table_->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
@@ -153,7 +154,8 @@ void TfrmConnList::showEvent(QShowEvent* event) {
   if (placed_) return;
   placed_ = true;
   restorePlacement(context_.store, placementGroup, frame());
-  table_->resizeColumnsToContents();
+  // The last column takes what is left; all of its text is in its tool tip.
+  for (int column = 0; column <= configureColumn; ++column) table_->resizeColumnToContents(column);
   restoreState(context_.store, placementGroup, *table_->horizontalHeader(), columnsName);
 }
 

@@ -54,7 +54,7 @@ TfrmDBConfig::TfrmDBConfig(TWindowContext& context, QWidget* parent)
   connect(pages_, &QTabWidget::currentChanged, this, &TfrmDBConfig::onPage);
   connect(&tester_, &TConnectionTester::ended, this, &TfrmDBConfig::onTested);
   onPage();
-  resize(fontMetrics().averageCharWidth() * 130, fontMetrics().height() * 30);
+  resize(fontMetrics().averageCharWidth() * 130, fontMetrics().height() * 36);
   restorePlacement(context_.store, placementGroup, *this);
   restoreState(context_.store, placementGroup, *splitter_);
 }
@@ -95,6 +95,8 @@ QWidget* TfrmDBConfig::makeTestRow() {
   bTest_ = new QPushButton(themeIcon("network-server"), tr("&Test Connection"), row);
   bTest_->setObjectName(QStringLiteral("bTestConnection"));
   bTest_->setAutoDefault(false);
+  // Its other caption is shorter; it keeps its place.
+  bTest_->setMinimumWidth(bTest_->sizeHint().width());
   result_ = new QLabel(row);
   result_->setObjectName(QStringLiteral("lTestResult"));
   result_->setWordWrap(true);
@@ -120,6 +122,8 @@ bool TfrmDBConfig::setConnection(const ConnectionConfig& record) {
     if (type == nullptr || *type != TValue(all_[i]->type().dbType)) continue;
     all_[i]->setValues(connectionValues(all_[i]->type(), record));
     pages_->setCurrentIndex(static_cast<int>(i));
+    all_[i]->focusField(all_[i]->type().rows.empty() ? all_[i]->type().fields.front().member
+                                                     : all_[i]->type().rows.front());
     return true;
   }
   return false;
