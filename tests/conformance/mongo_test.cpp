@@ -151,10 +151,13 @@ TEST(Mongo, ANestedQueryMustBeAnObject) {
     reader->nested(mongoSource("c", "{\"a\": :A"), TObject{{"A", 1}}, [](TObject&&) { return true; });
   });
   EXPECT_TRUE(fault.starts_with("Invalid nested MongoDB JSON query: {\"a\": :A (")) << fault;
-  const std::string unnamed = faultOf(TStoreErrorKind::DataSource, [&] {
-    reader->openRoot({"d", TObject{{"database", "shop"}}, 0}, {});
-  });
-  EXPECT_EQ(unnamed, "Data source d names no MongoDB database and collection.");
+  const TDataSource unnamed{"d", TObject{{"database", "shop"}}, 0};
+  const std::string text = "Data source d names no MongoDB database and collection.";
+  EXPECT_EQ(faultOf(TStoreErrorKind::DataSource, [&] { reader->openRoot(unnamed, {}); }), text);
+  // Below a parent row it is that row's fault.
+  EXPECT_EQ(faultOf(TStoreErrorKind::Read,
+                    [&] { reader->nested(unnamed, TObject(), [](TObject&&) { return true; }); }),
+            text);
 }
 
 TEST(Mongo, OnlySharesAreSorted) {

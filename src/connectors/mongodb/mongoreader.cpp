@@ -41,12 +41,12 @@ void addShare(bson_t* options, const TShare& share) {
 
 }  // namespace
 
-TMongoSource::TMongoSource(const TDataSource& source)
+TMongoSource::TMongoSource(const TDataSource& source, TStoreErrorKind kind)
     : database(textMember(source.definition, "database")),
       collection(textMember(source.definition, "collection")),
       query(textMember(source.definition, "query")) {
   if (database.empty() || collection.empty())
-    failSource("Data source " + source.name + " names no MongoDB database and collection.");
+    throw TStoreError(kind, "Data source " + source.name + " names no MongoDB database and collection.");
 }
 
 TBsonPtr TMongoSource::filter(const TDateTimeText& dates) const {
@@ -118,7 +118,7 @@ const TJsonQuery& TMongoReader::nestedQuery(const TDataSource& source, const TMo
 }
 
 void TMongoReader::nested(const TDataSource& source, const TObject& parent, const TRowSink& row) {
-  const TMongoSource query(source);
+  const TMongoSource query(source, TStoreErrorKind::Read);
   const TBsonPtr filter = boundFilterToBson(nestedQuery(source, query).bind(parent), dates_);
   const TBsonPtr options = batchOptions(fetchLimit_);
   const TMongoCollectionPtr collection = getCollection(client_.get(), query);

@@ -13,8 +13,8 @@ namespace hollowmere {
 
 /// A query object of MongoDB: members database, collection and query (a JSON filter text).
 struct TMongoSource {
-  /// Throws TStoreError (DataSource) when the database or the collection is not named.
-  explicit TMongoSource(const TDataSource& source);
+  /// Throws TStoreError of that kind when the database or the collection is not named.
+  explicit TMongoSource(const TDataSource& source, TStoreErrorKind kind = TStoreErrorKind::DataSource);
 
   /// The query as it stands, without parameters. Throws TStoreError (DataSource).
   [[nodiscard]] TBsonPtr filter(const TDateTimeText& dates) const;
