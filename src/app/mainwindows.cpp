@@ -50,9 +50,9 @@ int runWindows(int argc, char** argv, const std::string& projectFile) {
     TProgram program(prompt);
     const auto store = openSettingsStore();
     TQtMainThread mainThread;
-    TWindowContext context{program.settings, *store,         program.folder, program.stores,
-                           program.cipher,   program.files,  program.clock,  program.dates,
-                           prompt,           mainThread,     openOutside};
+    TWindowContext context{program.settings, *store,        program.folder, program.stores,
+                           program.cipher,   program.files, program.clock,  program.dates,
+                           prompt,           mainThread,    openOutside};
     TfrmMain window(context);
     window.show();
     if (!projectFile.empty())

@@ -25,7 +25,8 @@ void addNames(std::vector<std::string>& names, const TObject& row, const std::st
 
 class TSampler {
  public:
-  TSampler(TSourceReader& reader, const std::vector<TDataSource>& sources) : reader_(reader), sources_(sources) {}
+  TSampler(TSourceReader& reader, const std::vector<TDataSource>& sources)
+      : reader_(reader), sources_(sources) {}
 
   void sample(const TNodePlan& node, const std::string& source, const std::vector<TObject>& rows,
               const std::vector<std::size_t>& path) {
@@ -74,9 +75,8 @@ std::vector<std::string> fieldNames(const std::vector<TObject>& rows) {
   return names;
 }
 
-std::map<std::vector<std::size_t>, std::vector<std::string>> sampleFields(TSourceReader& reader,
-                                                                          const std::vector<TDataSource>& sources,
-                                                                          const TMapNode& mapping) {
+std::map<std::vector<std::size_t>, std::vector<std::string>> sampleFields(
+    TSourceReader& reader, const std::vector<TDataSource>& sources, const TMapNode& mapping) {
   const auto root = std::find_if(sources.begin(), sources.end(),
                                  [&](const TDataSource& one) { return one.name == mapping.source; });
   if (root == sources.end())

@@ -61,7 +61,8 @@ TNodePath findNode(const std::vector<TMapNode>& forest, std::string_view text, c
   do {
     at = nextPath(forest, at);
     const TMapNode* node = nodeAt(forest, at);
-    if (node && (containsIgnoringCase(node->source, text) || containsIgnoringCase(node->target, text))) return at;
+    if (node && (containsIgnoringCase(node->source, text) || containsIgnoringCase(node->target, text)))
+      return at;
   } while (at != behind);
   return {};
 }

@@ -17,7 +17,8 @@ constexpr std::size_t undoDepth = 200;
 std::string trimmed(const std::string& text) {
   constexpr std::string_view blanks = " \t\r\n";
   const std::size_t first = text.find_first_not_of(blanks);
-  return first == std::string::npos ? std::string() : text.substr(first, text.find_last_not_of(blanks) - first + 1);
+  return first == std::string::npos ? std::string()
+                                    : text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
 template <typename List>
@@ -215,7 +216,8 @@ void TProjectEditor::clearDataTargets() {
 
 std::string TProjectEditor::addRoot() {
   if (project_.dataSources.empty()) return edittexts::noSources;
-  if (project_.target.dbType == dbtype::jsonFile && !project_.mapping.empty()) return edittexts::oneTargetFile;
+  if (project_.target.dbType == dbtype::jsonFile && !project_.mapping.empty())
+    return edittexts::oneTargetFile;
   beginChange();
   TMapNode root;
   root.source = project_.dataSources.front().name;
@@ -315,7 +317,8 @@ std::string TProjectEditor::moveNode(const TNodePath& from, const TNodePath& to)
   list.insert(list.begin() + static_cast<std::ptrdiff_t>(to.back()), std::move(moved));
   TNodePath old = from;
   const std::size_t level = to.size() - 1;
-  if (old.size() > level && std::equal(to.begin(), to.end() - 1, old.begin()) && old[level] >= to[level]) ++old[level];
+  if (old.size() > level && std::equal(to.begin(), to.end() - 1, old.begin()) && old[level] >= to[level])
+    ++old[level];
   std::vector<TMapNode>& source = *siblingsAt(project_.mapping, old);
   source.erase(source.begin() + static_cast<std::ptrdiff_t>(old.back()));
   current_ = to;
@@ -331,7 +334,8 @@ std::string TProjectEditor::setTarget(const TNodePath& path, const std::string& 
   if (!node) return edittexts::noNode;
   const std::string given = trimmed(target);
   if (node->target == given) return {};
-  const bool fromTable = project_.target.dbType == dbtype::oracle || project_.target.dbType == dbtype::cassandra;
+  const bool fromTable =
+      project_.target.dbType == dbtype::oracle || project_.target.dbType == dbtype::cassandra;
   if (fromTable && path.size() > 1 && !node->target.empty()) return edittexts::columnName;
   beginChange();
   nodeAt(project_.mapping, path)->target = given;

@@ -78,7 +78,9 @@ class TProjectEditor {
     std::vector<TMapNode> mapping;
   };
 
-  [[nodiscard]] TState state() const { return {project_.dataSources, project_.dataTargets, project_.mapping}; }
+  [[nodiscard]] TState state() const {
+    return {project_.dataSources, project_.dataTargets, project_.mapping};
+  }
   void restore(TState state);
   void beginChange();
   [[nodiscard]] bool carriesKey(const TNodePath& path) const;

@@ -25,7 +25,9 @@ void plus(QPainter& p) {
 
 void minus(QPainter& p) { p.drawLine(QPointF(4, 8), QPointF(12, 8)); }
 
-void folder(QPainter& p) { p.drawPolygon(QPolygonF({{2, 4}, {6, 4}, {7.5, 5.5}, {14, 5.5}, {14, 13}, {2, 13}})); }
+void folder(QPainter& p) {
+  p.drawPolygon(QPolygonF({{2, 4}, {6, 4}, {7.5, 5.5}, {14, 5.5}, {14, 13}, {2, 13}}));
+}
 
 void disk(QPainter& p) {
   p.drawRect(QRectF(3, 3, 10, 10));
@@ -69,7 +71,8 @@ void gear(QPainter& p) {
   p.drawEllipse(QPointF(8, 8), 3, 3);
   for (int i = 0; i < 8; ++i) {
     const double a = i * 3.14159265 / 4;
-    p.drawLine(QPointF(8 + 4 * std::cos(a), 8 + 4 * std::sin(a)), QPointF(8 + 6 * std::cos(a), 8 + 6 * std::sin(a)));
+    p.drawLine(QPointF(8 + 4 * std::cos(a), 8 + 4 * std::sin(a)),
+               QPointF(8 + 6 * std::cos(a), 8 + 6 * std::sin(a)));
   }
 }
 
@@ -92,13 +95,29 @@ void lines(QPainter& p) {
 }
 
 const std::map<std::string, TDraw>& drawings() {
-  static const std::map<std::string, TDraw> table{
-      {"document-new", page},       {"document-open", folder}, {"document-save", disk},   {"document-save-as", disk},
-      {"media-playback-start", triangle}, {"media-playback-stop", square}, {"list-add", plus}, {"list-remove", minus},
-      {"go-up", up},                {"go-down", down},         {"go-previous", left},     {"go-next", right},
-      {"edit-undo", back},          {"edit-redo", forward},    {"edit-clear", cross},     {"edit-delete", cross},
-      {"edit-find", glass},         {"configure", gear},       {"network-server", cylinder},
-      {"help-contents", question},  {"document-edit", pencil}, {"view-list-text", lines}, {"application-exit", cross}};
+  static const std::map<std::string, TDraw> table{{"document-new", page},
+                                                  {"document-open", folder},
+                                                  {"document-save", disk},
+                                                  {"document-save-as", disk},
+                                                  {"media-playback-start", triangle},
+                                                  {"media-playback-stop", square},
+                                                  {"list-add", plus},
+                                                  {"list-remove", minus},
+                                                  {"go-up", up},
+                                                  {"go-down", down},
+                                                  {"go-previous", left},
+                                                  {"go-next", right},
+                                                  {"edit-undo", back},
+                                                  {"edit-redo", forward},
+                                                  {"edit-clear", cross},
+                                                  {"edit-delete", cross},
+                                                  {"edit-find", glass},
+                                                  {"configure", gear},
+                                                  {"network-server", cylinder},
+                                                  {"help-contents", question},
+                                                  {"document-edit", pencil},
+                                                  {"view-list-text", lines},
+                                                  {"application-exit", cross}};
   return table;
 }
 

@@ -43,15 +43,18 @@ TAnswer TMessagePrompt::ask(TPromptKind kind, const std::string& text, TButtons 
   // A message's line ends are carriage returns where the store's text has them.
   QString shown = QString::fromStdString(text);
   shown.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(QLatin1Char('\r'), QLatin1Char('\n'));
-  QMessageBox box(iconOf(kind), QStringLiteral("Hollowmere"), QCoreApplication::translate("Messages", shown.toUtf8()),
-                  buttonsOf(buttons), QApplication::activeWindow());
+  QMessageBox box(iconOf(kind), QStringLiteral("Hollowmere"),
+                  QCoreApplication::translate("Messages", shown.toUtf8()), buttonsOf(buttons),
+                  QApplication::activeWindow());
   box.setObjectName(QStringLiteral("messageBox"));
   box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   if (kind == TPromptKind::Error || kind == TPromptKind::Warning) {
-    QPushButton* copy = box.addButton(QCoreApplication::translate("Messages", "&Copy"), QMessageBox::ActionRole);
+    QPushButton* copy =
+        box.addButton(QCoreApplication::translate("Messages", "&Copy"), QMessageBox::ActionRole);
     copy->setObjectName(QStringLiteral("bCopyMessage"));
     copy->disconnect();  // it must not close the box
-    QObject::connect(copy, &QPushButton::clicked, &box, [shown] { QApplication::clipboard()->setText(shown); });
+    QObject::connect(copy, &QPushButton::clicked, &box,
+                     [shown] { QApplication::clipboard()->setText(shown); });
   }
   // Escape means the answer that changes nothing.
   if (buttons == TButtons::YesNo) box.setEscapeButton(QMessageBox::No);

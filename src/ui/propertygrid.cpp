@@ -49,7 +49,8 @@ class TPropertyDelegate : public QStyledItemDelegate {
  public:
   explicit TPropertyDelegate(TPropertyGrid& grid) : QStyledItemDelegate(&grid), grid_(grid) {}
 
-  QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem&, const QModelIndex& index) const override {
+  QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem&,
+                        const QModelIndex& index) const override {
     const TProperty* property = grid_.property(index);
     if (!property || index.column() != 1) return nullptr;
     QWidget* editor = makeEditor(parent, *property, index);
@@ -73,8 +74,9 @@ class TPropertyDelegate : public QStyledItemDelegate {
  private:
   static QLineEdit* lineOf(QWidget* editor) {
     if (auto* line = qobject_cast<QLineEdit*>(editor)) return line;
-    return qobject_cast<QSpinBox*>(editor) || qobject_cast<QComboBox*>(editor) ? nullptr
-                                                                              : editor->findChild<QLineEdit*>();
+    return qobject_cast<QSpinBox*>(editor) || qobject_cast<QComboBox*>(editor)
+               ? nullptr
+               : editor->findChild<QLineEdit*>();
   }
 
   static QString textOf(QWidget* editor) {
@@ -174,7 +176,8 @@ void TPropertyGrid::setProperties(std::vector<TProperty> properties) {
       category->setFont(0, bold);
       category->setFlags(Qt::ItemIsEnabled);
     }
-    auto* item = category && !property.category.isEmpty() ? new QTreeWidgetItem(category) : new QTreeWidgetItem(this);
+    auto* item =
+        category && !property.category.isEmpty() ? new QTreeWidgetItem(category) : new QTreeWidgetItem(this);
     item->setData(0, propertyRole, static_cast<int>(i));
     item->setText(0, property.caption);
     item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable);

@@ -26,13 +26,15 @@ void TQtMainThread::run(const std::function<void()>& call) {
 }
 
 void TQtMainThread::pump(int milliseconds) {
-  QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::WaitForMoreEvents, milliseconds);
+  QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::WaitForMoreEvents,
+                                  milliseconds);
 }
 
 void runWithWaitDialog(const QString& caption, const std::function<void()>& call, TStopFlag& stop) {
   std::exception_ptr error;
   QEventLoop loop;
-  QProgressDialog dialog(caption, QCoreApplication::translate("Messages", "&Stop"), 0, 0, QApplication::activeWindow());
+  QProgressDialog dialog(caption, QCoreApplication::translate("Messages", "&Stop"), 0, 0,
+                         QApplication::activeWindow());
   dialog.setObjectName(QStringLiteral("waitDialog"));
   dialog.setWindowModality(Qt::ApplicationModal);
   dialog.setMinimumDuration(400);

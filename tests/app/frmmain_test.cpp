@@ -102,9 +102,10 @@ TEST_F(MainWindow, TheConnectionListIsOneAndOpensNoBrowserYet) {
   ASSERT_EQ(window.childWindows().size(), 1) << "opened at the start";
   trigger(window, "actConnList");
   EXPECT_EQ(window.childWindows().size(), 1);
-  prompt.expect(TPromptKind::Information,
-                "There is no browser window for MongoDB databases in this version yet. Connections of this type can "
-                "be used in load projects where the store is supported.");
+  prompt.expect(
+      TPromptKind::Information,
+      "There is no browser window for MongoDB databases in this version yet. Connections of this type can "
+      "be used in load projects where the store is supported.");
   window.openDBWindow(TObject{{"dbtype", "MongoDB"}});
   EXPECT_TRUE(window.close());
 }

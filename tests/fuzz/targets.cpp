@@ -25,12 +25,12 @@ namespace hollowmere::fuzz {
 
 namespace {
 
-#define REQUIRE(condition)                                                  \
-  do {                                                                      \
-    if (!(condition)) {                                                     \
+#define REQUIRE(condition)                                                 \
+  do {                                                                     \
+    if (!(condition)) {                                                    \
       std::fprintf(stderr, "%s:%d: %s\n", __FILE__, __LINE__, #condition); \
-      std::abort();                                                         \
-    }                                                                       \
+      std::abort();                                                        \
+    }                                                                      \
   } while (false)
 
 const TDateTimeText& dates() {
@@ -167,7 +167,8 @@ constexpr std::array table{
     TTarget{"query", query, R"({"a": :id, "b": ":n", "c": {"$gt": 5, "d": [":id", true]}})"sv},
     TTarget{"date", date, "2026-01-02T03:04:05.678+01:30"sv},
     TTarget{"markers", markers, "&base64;AAE= &quot;1/2/2026 3:04 PM&quot; &str;"sv},
-    TTarget{"shell", shell, R"({ "a" : NumberLong("5"), "d" : ISODate("2020-01-02T03:04:05Z"), "n" : NaN })"sv},
+    TTarget{"shell", shell,
+            R"({ "a" : NumberLong("5"), "d" : ISODate("2020-01-02T03:04:05Z"), "n" : NaN })"sv},
     TTarget{"filter", filter, "SingleColumnValueFilter('f','c',=,'binary:a and b') and PageFilter(5)"sv},
     TTarget{"cassandra", cassandra, "map<text,list<int>>|\0\1\0\1a\0\6\0\1\0\4\0\0\0\5"sv},
     TTarget{"xml", xml, "<a x='1'><b>t</b><b/><![CDATA[c]]>&amp;</a>"sv},

@@ -42,7 +42,9 @@ class ProjectWindow : public ::testing::Test, protected TWindowWorld {
     return child<QPlainTextEdit>(window, "mPreviewDocument").toPlainText();
   }
 
-  static void showPage(TfrmProject& window, int page) { child<QTabWidget>(window, "pages").setCurrentIndex(page); }
+  static void showPage(TfrmProject& window, int page) {
+    child<QTabWidget>(window, "pages").setCurrentIndex(page);
+  }
 
   std::shared_ptr<TToyServer> toy = std::make_shared<TToyServer>();
 };
@@ -143,7 +145,8 @@ TEST_F(ProjectWindow, AFailingRowIsShownWhereItIs) {
   window.show();
   showPage(window, 3);
   auto* fault = &child<QLabel>(window, "lPreviewFault");
-  ASSERT_TRUE(QTest::qWaitFor([&] { return fault->text().contains("\"name\""); })) << fault->text().toStdString();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return fault->text().contains("\"name\""); }))
+      << fault->text().toStdString();
   EXPECT_TRUE(fault->text().contains("row 1")) << "the value that is no number";
   click(window, "bNextRow");
   click(window, "bNextRow");

@@ -15,7 +15,8 @@ TProjectEditor makeEditor(const std::string& targetType = "MongoDB") {
   project.projectName = "p";
   TProjectEditor editor(project);
   editor.setSide(TSide::Source, {"MongoDB", mongoConnection()}, false);
-  editor.setSide(TSide::Target, {targetType, targetType == "JSON File" ? fileConnection() : mongoConnection()}, false);
+  editor.setSide(TSide::Target,
+                 {targetType, targetType == "JSON File" ? fileConnection() : mongoConnection()}, false);
   return editor;
 }
 

@@ -69,9 +69,11 @@ TfrmMain::TfrmMain(TWindowContext& context) : context_(context) {
   makeHelpMenu();
   connect(area_, &QMdiArea::subWindowActivated, this, &TfrmMain::onActivated);
   connect(tabs_, &QTabBar::tabBarClicked, this, [this](int tab) {
-    if (tab >= 0 && tab < area_->subWindowList().size()) area_->setActiveSubWindow(area_->subWindowList()[tab]);
+    if (tab >= 0 && tab < area_->subWindowList().size())
+      area_->setActiveSubWindow(area_->subWindowList()[tab]);
   });
-  connect(tabs_, &QTabBar::tabCloseRequested, this, [this](int tab) { area_->subWindowList()[tab]->close(); });
+  connect(tabs_, &QTabBar::tabCloseRequested, this,
+          [this](int tab) { area_->subWindowList()[tab]->close(); });
   resize(fontMetrics().averageCharWidth() * 150, fontMetrics().height() * 45);
   restorePlacement(context_.store, placementGroup(), *this);
   statusBar()->showMessage(text("Ready"));
@@ -80,7 +82,8 @@ TfrmMain::TfrmMain(TWindowContext& context) : context_(context) {
 
 TfrmMain::~TfrmMain() = default;
 
-QAction* TfrmMain::makeAction(const char* name, const QString& caption, const char* icon, const QKeySequence& keys) {
+QAction* TfrmMain::makeAction(const char* name, const QString& caption, const char* icon,
+                              const QKeySequence& keys) {
   auto* action = new QAction(themeIcon(icon), caption, this);
   action->setObjectName(QLatin1String(name));
   action->setShortcut(keys);
@@ -89,11 +92,14 @@ QAction* TfrmMain::makeAction(const char* name, const QString& caption, const ch
 
 void TfrmMain::makeFileMenu() {
   QMenu* menu = menuBar()->addMenu(tr("&File"));
-  QAction* create = makeAction("actNewProject", text("New Project"), "document-new", QKeySequence(tr("Ctrl+N")));
-  QAction* open = makeAction("actOpenProject", text("Open Project"), "document-open", QKeySequence(tr("Ctrl+O")));
+  QAction* create =
+      makeAction("actNewProject", text("New Project"), "document-new", QKeySequence(tr("Ctrl+N")));
+  QAction* open =
+      makeAction("actOpenProject", text("Open Project"), "document-open", QKeySequence(tr("Ctrl+O")));
   QAction* list = makeAction("actConnList", text("Configure Database Connections"), "network-server", {});
   // The same keys twice would do nothing at all: opening keeps Ctrl+O, the options have Shift besides.
-  QAction* option = makeAction("actOption", text("Program Options"), "configure", QKeySequence(tr("Ctrl+Shift+O")));
+  QAction* option =
+      makeAction("actOption", text("Program Options"), "configure", QKeySequence(tr("Ctrl+Shift+O")));
   QAction* exit = makeAction("actExit", text("Exit"), "application-exit", QKeySequence(tr("Ctrl+Q")));
   exit->setMenuRole(QAction::QuitRole);
   recent_ = new QMenu(tr("&Recent Projects"), this);
@@ -122,7 +128,8 @@ void TfrmMain::makeWindowMenu() {
   QAction* cascade = makeAction("actCascade", text("&Cascade"), "", {});
   QAction* arrange = makeAction("actArrange", text("&Arrange"), "", {});
   QAction* next = makeAction("actNextWindow", tr("&Next"), "go-next", QKeySequence::NextChild);
-  QAction* previous = makeAction("actPreviousWindow", tr("&Previous"), "go-previous", QKeySequence::PreviousChild);
+  QAction* previous =
+      makeAction("actPreviousWindow", tr("&Previous"), "go-previous", QKeySequence::PreviousChild);
   QAction* closeIt = makeAction("actCloseWindow", tr("C&lose"), "", QKeySequence::Close);
   for (QAction* action : {cascade, arrange, next, previous, closeIt}) menu->addAction(action);
   connect(cascade, &QAction::triggered, area_, &QMdiArea::cascadeSubWindows);
@@ -170,7 +177,8 @@ void TfrmMain::updateTabs() {
   while (tabs_->count() < windows.size()) tabs_->addTab(QString());
   for (int tab = 0; tab < windows.size(); ++tab) {
     QString caption = windows[tab]->windowTitle();
-    caption.replace(QStringLiteral("[*]"), windows[tab]->isWindowModified() ? QStringLiteral("*") : QString());
+    caption.replace(QStringLiteral("[*]"),
+                    windows[tab]->isWindowModified() ? QStringLiteral("*") : QString());
     tabs_->setTabText(tab, caption.replace(QLatin1Char('&'), QStringLiteral("&&")));
     tabs_->setTabToolTip(tab, windows[tab]->windowTitle().remove(QStringLiteral("[*]")));
     if (windows[tab] == area_->activeSubWindow()) tabs_->setCurrentIndex(tab);
@@ -244,7 +252,8 @@ void TfrmMain::fillRecent() {
     for (const std::string& file :
          TRecentProjects(context_.folder.recentProjectsFile(), context_.files).menu()) {
       const QString name = QString::fromStdString(file);
-      QAction* action = recent_->addAction(themeIcon("document-open"), QString(name).replace('&', QLatin1String("&&")));
+      QAction* action =
+          recent_->addAction(themeIcon("document-open"), QString(name).replace('&', QLatin1String("&&")));
       action->setToolTip(text("Open project file ") + name);
       connect(action, &QAction::triggered, this, [this, name] { openProject(name); });
     }
@@ -277,11 +286,12 @@ void TfrmMain::openConnectionList() {
 void TfrmMain::openDBWindow(const ConnectionConfig& connection) {
   const TValue* type = connection.find("dbtype");
   const std::string name = type && type->is(TKind::Text) ? type->asText() : std::string("this type");
-  context_.prompt.ask(TPromptKind::Information,
-                      "There is no browser window for " + name +
-                          " databases in this version yet. Connections of this type can be used in load projects "
-                          "where the store is supported.",
-                      TButtons::Ok);
+  context_.prompt.ask(
+      TPromptKind::Information,
+      "There is no browser window for " + name +
+          " databases in this version yet. Connections of this type can be used in load projects "
+          "where the store is supported.",
+      TButtons::Ok);
 }
 
 void TfrmMain::showOptions() { TfrmOption(context_, this).exec(); }

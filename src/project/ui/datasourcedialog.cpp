@@ -29,8 +29,8 @@ QString memberText(const TValue& definition, std::string_view name) {
 
 }  // namespace
 
-TDataSourceDialog::TDataSourceDialog(TWindowContext& context, const TProject& project, const TDataSource& source,
-                                     QWidget* parent)
+TDataSourceDialog::TDataSourceDialog(TWindowContext& context, const TProject& project,
+                                     const TDataSource& source, QWidget* parent)
     : QDialog(parent), context_(context), project_(project), name_(source.name) {
   setObjectName(QStringLiteral("dataSourceDialog"));
   setWindowTitle(tr("Data Source %1").arg(QString::fromStdString(source.name)));
@@ -104,18 +104,21 @@ void TDataSourceDialog::bTestClick() {
   TStopFlag stop;
   std::string shown;
   try {
-    runWithWaitDialog(tr("Reading the first rows..."), [&] {
-      TStoreOptions options = sourceOptions(project_, static_cast<std::size_t>(context_.settings.bufLen));
-      options.fetchLimit = testRows;
-      options.stop = &stop;
-      const auto reader = store->connectSource(options);
-      reader->openRoot(source, {});
-      for (int row = 0; row < testRows && !stop.isSet(); ++row) {
-        const auto read = reader->next();
-        if (!read) break;
-        shown += toPrettyJson(*read) + "\n";
-      }
-    }, stop);
+    runWithWaitDialog(
+        tr("Reading the first rows..."),
+        [&] {
+          TStoreOptions options = sourceOptions(project_, static_cast<std::size_t>(context_.settings.bufLen));
+          options.fetchLimit = testRows;
+          options.stop = &stop;
+          const auto reader = store->connectSource(options);
+          reader->openRoot(source, {});
+          for (int row = 0; row < testRows && !stop.isSet(); ++row) {
+            const auto read = reader->next();
+            if (!read) break;
+            shown += toPrettyJson(*read) + "\n";
+          }
+        },
+        stop);
   } catch (const std::exception& error) {
     context_.prompt.error(error.what());
   }

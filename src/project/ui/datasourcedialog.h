@@ -19,7 +19,8 @@ class TDataSourceDialog : public QDialog {
   Q_OBJECT
 
  public:
-  TDataSourceDialog(TWindowContext& context, const TProject& project, const TDataSource& source, QWidget* parent);
+  TDataSourceDialog(TWindowContext& context, const TProject& project, const TDataSource& source,
+                    QWidget* parent);
 
   /// What the fields hold.
   [[nodiscard]] TValue definition() const;

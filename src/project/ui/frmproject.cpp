@@ -29,7 +29,10 @@ QString filesOf() { return TfrmProject::tr("Load projects (*.hmp);;All files (*)
 }  // namespace
 
 TfrmProject::TfrmProject(TWindowContext& context, TProject project, QWidget* parent)
-    : TMdiChild(parent), context_(context), editor_(std::move(project)), file_(context.cipher, context.files) {
+    : TMdiChild(parent),
+      context_(context),
+      editor_(std::move(project)),
+      file_(context.cipher, context.files) {
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   makeToolBar();
@@ -54,7 +57,9 @@ QAction* TfrmProject::addAction(QToolBar* bar, const char* name, const QString& 
   action->setObjectName(QLatin1String(name));
   action->setShortcut(keys);
   action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-  action->setToolTip(keys.isEmpty() ? caption : caption + QStringLiteral(" (%1)").arg(keys.toString(QKeySequence::NativeText)));
+  action->setToolTip(keys.isEmpty()
+                         ? caption
+                         : caption + QStringLiteral(" (%1)").arg(keys.toString(QKeySequence::NativeText)));
   connect(action, &QAction::triggered, this, slot);
   bar->addAction(action);
   QWidget::addAction(action);
@@ -102,11 +107,14 @@ void TfrmProject::makePages() {
   connect(sources_, &TDataSourcesPage::refused, this, &TfrmProject::refuse);
   connect(targets_, &TDataTargetsPage::refused, this, &TfrmProject::refuse);
   connect(mapping_, &TMappingPage::refused, this, &TfrmProject::refuse);
-  connect(general_, &TGeneralPage::typeChosen, this,
-          [this](int side, const QString& type) { changeType(side == 0 ? TSide::Source : TSide::Target, type); },
-          Qt::QueuedConnection);
-  connect(general_, &TGeneralPage::connectionWanted, this,
-          [this](int side) { configureConnection(side == 0 ? TSide::Source : TSide::Target); }, Qt::QueuedConnection);
+  connect(
+      general_, &TGeneralPage::typeChosen, this,
+      [this](int side, const QString& type) { changeType(side == 0 ? TSide::Source : TSide::Target, type); },
+      Qt::QueuedConnection);
+  connect(
+      general_, &TGeneralPage::connectionWanted, this,
+      [this](int side) { configureConnection(side == 0 ? TSide::Source : TSide::Target); },
+      Qt::QueuedConnection);
   connect(runPage_, &TRunPage::startWanted, this, &TfrmProject::actStartExecute);
   connect(runPage_, &TRunPage::stopWanted, this, &TfrmProject::actStopExecute);
   // The preview is read when somebody looks at it.
@@ -144,7 +152,8 @@ void TfrmProject::onRedo() {
 void TfrmProject::refuse(const QString& message) { context_.prompt.warning(message.toStdString()); }
 
 void TfrmProject::showCaption() {
-  setWindowTitle(QString::fromStdString(project().projectName + " :: " + project().fileName) + QStringLiteral("[*]"));
+  setWindowTitle(QString::fromStdString(project().projectName + " :: " + project().fileName) +
+                 QStringLiteral("[*]"));
   if (fileLabel_) fileLabel_->setText(QString::fromStdString("Project File :: " + project().fileName));
 }
 
@@ -172,8 +181,9 @@ bool TfrmProject::mayOverwrite(const QString& fileName) {
   if (fileName.toStdString() != project().fileName) return true;
   const QFileInfo now(fileName);
   if (!now.exists() || now.lastModified() == fileTime_) return true;
-  return context_.prompt.confirm("The file " + fileName.toStdString() +
-                                 " was changed by another program since it was opened. Would you like to replace it?");
+  return context_.prompt.confirm(
+      "The file " + fileName.toStdString() +
+      " was changed by another program since it was opened. Would you like to replace it?");
 }
 
 bool TfrmProject::saveTo(const QString& fileName) {
@@ -225,7 +235,8 @@ void TfrmProject::configureConnection(TSide side) {
 
 bool TfrmProject::chooseConnection(TSide side, TProjectSide& value) {
   if (value.dbType == dbtype::jsonFile) {
-    const QString now = value.connection.is(TKind::Text) ? QString::fromStdString(value.connection.asText()) : QString();
+    const QString now =
+        value.connection.is(TKind::Text) ? QString::fromStdString(value.connection.asText()) : QString();
     const QString filter = tr("JSON files (*.json *.jsonl);;All files (*)");
     const QString name = side == TSide::Source
                              ? QFileDialog::getOpenFileName(this, tr("Source JSON File"), now, filter)
@@ -248,7 +259,11 @@ void TfrmProject::actStartExecute() {
   runPage_->clear();
   runPage_->setFiles(project().logFile, project().discFile);
   pages_->setCurrentWidget(runPage_);
-  TRunServices services{context_.stores, context_.prompt, context_.mainThread, context_.clock, context_.dates,
+  TRunServices services{context_.stores,
+                        context_.prompt,
+                        context_.mainThread,
+                        context_.clock,
+                        context_.dates,
                         static_cast<std::size_t>(context_.settings.bufLen),
                         [](const std::function<void()>& call, TStopFlag& stop) {
                           runWithWaitDialog(tr("Connecting and counting..."), call, stop);

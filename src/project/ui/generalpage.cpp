@@ -9,7 +9,9 @@ namespace hollowmere {
 
 namespace {
 
-QString shown(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+QString shown(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
 
 QString valueOf(const TProject& project, const TProjectField& field) {
   if (const auto* member = std::get_if<std::string TProject::*>(&field.member))
@@ -28,7 +30,8 @@ TPropertyKind kindOf(const TProjectField& field) {
 
 QString connectionText(const TProjectSide& side) {
   if (!isConfigured(side.connection)) return text("Not Configured");
-  return side.connection.is(TKind::Text) ? QString::fromStdString(side.connection.asText()) : text("Configured");
+  return side.connection.is(TKind::Text) ? QString::fromStdString(side.connection.asText())
+                                         : text("Configured");
 }
 
 }  // namespace
@@ -57,8 +60,14 @@ void TGeneralPage::refresh() {
   const TProject& project = editor_.project();
   std::vector<TProperty> rows;
   for (const TProjectField& field : projectFields())
-    rows.push_back({shown(field.key), tr("General"), text(std::string(field.caption)), kindOf(field),
-                    valueOf(project, field), {}, field.lowest, field.highest});
+    rows.push_back({shown(field.key),
+                    tr("General"),
+                    text(std::string(field.caption)),
+                    kindOf(field),
+                    valueOf(project, field),
+                    {},
+                    field.lowest,
+                    field.highest});
   QStringList types;
   for (const std::string_view type : dbtype::all) types << shown(type);
   for (const TProjectSideField& field : projectSides) {
@@ -66,8 +75,12 @@ void TGeneralPage::refresh() {
     const QString category = text(std::string(field.categoryCaption));
     rows.push_back({shown(field.dbType), category, text(std::string(dbTypeCaption)), TPropertyKind::Choice,
                     QString::fromStdString(side.dbType), types});
-    rows.push_back({shown(field.connection), category, text(std::string(connectionCaption)), TPropertyKind::Button,
-                    connectionText(side), {}});
+    rows.push_back({shown(field.connection),
+                    category,
+                    text(std::string(connectionCaption)),
+                    TPropertyKind::Button,
+                    connectionText(side),
+                    {}});
   }
   grid_->setProperties(std::move(rows));
 }

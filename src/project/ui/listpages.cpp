@@ -14,7 +14,8 @@ namespace hollowmere {
 
 namespace {
 
-QPushButton* addButton(QWidget* page, QHBoxLayout* row, const char* name, const QString& caption, const char* icon) {
+QPushButton* addButton(QWidget* page, QHBoxLayout* row, const char* name, const QString& caption,
+                       const char* icon) {
   auto* button = new QPushButton(themeIcon(icon), caption, page);
   button->setObjectName(QLatin1String(name));
   button->setAutoDefault(false);
@@ -52,8 +53,8 @@ TDataSourcesPage::TDataSourcesPage(TWindowContext& context, TProjectEditor& edit
   auto* buttons = new QHBoxLayout;
   connect(addButton(this, buttons, "bAddDS", tr("&Add"), "list-add"), &QPushButton::clicked, this,
           &TDataSourcesPage::bAddDSClick);
-  connect(addButton(this, buttons, "bEditDS", tr("Confi&gure..."), "document-edit"), &QPushButton::clicked, this,
-          &TDataSourcesPage::bEditDSClick);
+  connect(addButton(this, buttons, "bEditDS", tr("Confi&gure..."), "document-edit"), &QPushButton::clicked,
+          this, &TDataSourcesPage::bEditDSClick);
   connect(addButton(this, buttons, "bDelDS", tr("&Delete"), "list-remove"), &QPushButton::clicked, this,
           &TDataSourcesPage::bDelDSClick);
   connect(addButton(this, buttons, "bClearDS", tr("C&lear"), "edit-clear"), &QPushButton::clicked, this,
@@ -90,13 +91,16 @@ void TDataSourcesPage::onChanged(QTableWidgetItem* item) {
   const std::string refusal =
       editor_.renameDataSource(static_cast<std::size_t>(item->row()), item->text().toStdString());
   // The cell goes back to what the project holds before the message: its dialog lets events run.
-  QMetaObject::invokeMethod(this, [this, refusal] {
-    refresh();
-    if (refusal.empty())
-      Q_EMIT edited();
-    else
-      Q_EMIT refused(text(refusal));
-  }, Qt::QueuedConnection);
+  QMetaObject::invokeMethod(
+      this,
+      [this, refusal] {
+        refresh();
+        if (refusal.empty())
+          Q_EMIT edited();
+        else
+          Q_EMIT refused(text(refusal));
+      },
+      Qt::QueuedConnection);
 }
 
 void TDataSourcesPage::bAddDSClick() {
@@ -136,18 +140,20 @@ void TDataSourcesPage::bClearDSClick() {
   Q_EMIT edited();
 }
 
-TDataTargetsPage::TDataTargetsPage(TProjectEditor& editor, QWidget* parent) : QWidget(parent), editor_(editor) {
+TDataTargetsPage::TDataTargetsPage(TProjectEditor& editor, QWidget* parent)
+    : QWidget(parent), editor_(editor) {
   auto* layout = new QVBoxLayout(this);
   auto* buttons = new QHBoxLayout;
   connect(addButton(this, buttons, "bAddTarget", tr("&Add"), "list-add"), &QPushButton::clicked, this,
           &TDataTargetsPage::bAddTargetClick);
   connect(addButton(this, buttons, "bDelTarget", tr("&Delete"), "list-remove"), &QPushButton::clicked, this,
           &TDataTargetsPage::bDelTargetClick);
-  connect(addButton(this, buttons, "bClearTarget", tr("C&lear"), "edit-clear"), &QPushButton::clicked, this, [this] {
-    editor_.clearDataTargets();
-    refresh();
-    Q_EMIT edited();
-  });
+  connect(addButton(this, buttons, "bClearTarget", tr("C&lear"), "edit-clear"), &QPushButton::clicked, this,
+          [this] {
+            editor_.clearDataTargets();
+            refresh();
+            Q_EMIT edited();
+          });
   buttons->addStretch();
   layout->addLayout(buttons);
   grid_ = makeGrid(this, "gDataTargets",
@@ -183,13 +189,16 @@ void TDataTargetsPage::onChanged(QTableWidgetItem* item) {
   if (item->column() == 0) refusal = editor_.renameDataTarget(row, given);
   if (item->column() == 1) refusal = editor_.setTargetObject(row, given);
   if (item->column() == 2) editor_.setSaslPwd(row, given);
-  QMetaObject::invokeMethod(this, [this, refusal] {
-    refresh();
-    if (refusal.empty())
-      Q_EMIT edited();
-    else
-      Q_EMIT refused(text(refusal));
-  }, Qt::QueuedConnection);
+  QMetaObject::invokeMethod(
+      this,
+      [this, refusal] {
+        refresh();
+        if (refusal.empty())
+          Q_EMIT edited();
+        else
+          Q_EMIT refused(text(refusal));
+      },
+      Qt::QueuedConnection);
 }
 
 void TDataTargetsPage::bAddTargetClick() {

@@ -24,15 +24,19 @@ namespace {
 
 enum TColumn { TargetColumn, SourceColumn, TypeColumn };
 
-QString shown(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+QString shown(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
 
 /// Offers what a cell can hold; the source may also be typed.
 class TMappingDelegate : public QStyledItemDelegate {
  public:
   explicit TMappingDelegate(TMappingPage& page) : QStyledItemDelegate(&page), page_(page) {}
 
-  QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
-    if (index.column() == TargetColumn) return named(QStyledItemDelegate::createEditor(parent, option, index), index);
+  QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
+                        const QModelIndex& index) const override {
+    if (index.column() == TargetColumn)
+      return named(QStyledItemDelegate::createEditor(parent, option, index), index);
     auto* box = new QComboBox(parent);
     if (index.column() == SourceColumn) {
       box->setEditable(true);
@@ -168,7 +172,8 @@ TMappingPage::TMappingPage(TWindowContext& context, TProjectEditor& editor, QWid
           [this](const TNodePath& from, const TNodePath& to) { act(editor_.moveNode(from, to)); });
   makePreview();
   connect(&preview_, &TPreviewJob::finished, this, &TMappingPage::onPreview);
-  connect(&preview_, &TPreviewJob::started, this, [this] { fault_->setText(tr("Reading the first rows...")); });
+  connect(&preview_, &TPreviewJob::started, this,
+          [this] { fault_->setText(tr("Reading the first rows...")); });
   rebuild();
 }
 
@@ -276,7 +281,8 @@ QStringList TMappingPage::sourceChoices(const TNodePath& path) const {
   const TMapNode* node = nodeAt(editor_.project().mapping, path);
   const auto type = node ? targetTypeFromText(node->targetType) : std::nullopt;
   if (path.size() == 1 || (type && isDataSource(*type))) {
-    for (const TDataSource& source : editor_.project().dataSources) choices << QString::fromStdString(source.name);
+    for (const TDataSource& source : editor_.project().dataSources)
+      choices << QString::fromStdString(source.name);
     return choices;
   }
   if (path.empty() || path.front() != previewRoot_) return choices;
@@ -301,7 +307,8 @@ void TMappingPage::bAddAttrMapClick() {
 void TMappingPage::bAddAllClick() {
   TNodePath parent = path();
   if (parent.empty() && !editor_.project().mapping.empty()) parent = {0};
-  while (parent.size() > 1 && !result_.fields.contains(TNodePath(parent.begin() + 1, parent.end()))) parent.pop_back();
+  while (parent.size() > 1 && !result_.fields.contains(TNodePath(parent.begin() + 1, parent.end())))
+    parent.pop_back();
   std::vector<std::string> fields;
   if (!parent.empty() && parent.front() == previewRoot_)
     for (const std::string& field : result_.fields[TNodePath(parent.begin() + 1, parent.end())])
@@ -344,7 +351,8 @@ void TMappingPage::onChanged(QTreeWidgetItem* item, int column) {
     if (node && node->target == "Attribute" + std::to_string(at.back() + 1)) editor_.setTarget(at, given);
   }
   // The editor of the cell is still open: the tree is filled anew after it.
-  QMetaObject::invokeMethod(this, [this, refusal] { act(refusal); }, Qt::QueuedConnection);
+  QMetaObject::invokeMethod(
+      this, [this, refusal] { act(refusal); }, Qt::QueuedConnection);
 }
 
 void TMappingPage::onFind() {
@@ -378,7 +386,8 @@ void TMappingPage::showRow(int row) {
   const TPreviewRow& shownRow = result_.rows[static_cast<std::size_t>(row_)];
   position_->setText(tr("Row %1 of the first %2").arg(row_ + 1).arg(count));
   rowText_->setPlainText(readable(shownRow.rowText));
-  document_->setPlainText(shownRow.error.empty() ? QString::fromStdString(toPrettyJson(shownRow.document)) : QString());
+  document_->setPlainText(shownRow.error.empty() ? QString::fromStdString(toPrettyJson(shownRow.document))
+                                                 : QString());
   if (!shownRow.error.empty()) fault_->setText(QString::fromStdString(shownRow.error));
 }
 

@@ -53,7 +53,8 @@ class TMappingPage : public QWidget {
  private:
   void makeButtons();
   void makePreview();
-  QPushButton* addButton(const char* name, const QString& caption, const char* icon, void (TMappingPage::*click)());
+  QPushButton* addButton(const char* name, const QString& caption, const char* icon,
+                         void (TMappingPage::*click)());
   void fill(QTreeWidgetItem* parent, const std::vector<TMapNode>& nodes);
   void rebuild();
   void act(const std::string& refusal);

@@ -71,7 +71,8 @@ void TPreviewJob::start() {
   Q_EMIT started();
   worker_ = std::jthread([this, request = running_, &dates = context_.dates] {
     request->read(dates);
-    QMetaObject::invokeMethod(this, [this, request] { onDone(request); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this, [this, request] { onDone(request); }, Qt::QueuedConnection);
   });
 }
 

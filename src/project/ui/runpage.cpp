@@ -66,7 +66,8 @@ TRunPage::TRunPage(TWindowContext& context, QWidget* parent) : QWidget(parent), 
   threads_ = new QTableWidget(0, 5, this);
   threads_->setObjectName(QStringLiteral("gThreads"));
   threads_->setAccessibleName(tr("Threads"));
-  threads_->setHorizontalHeaderLabels({tr("Thread"), tr("State"), tr("Loaded"), tr("Discarded"), tr("Skipped")});
+  threads_->setHorizontalHeaderLabels(
+      {tr("Thread"), tr("State"), tr("Loaded"), tr("Discarded"), tr("Skipped")});
   threads_->setEditTriggers(QAbstractItemView::NoEditTriggers);
   threads_->setTabKeyNavigation(false);
   threads_->verticalHeader()->hide();
@@ -156,11 +157,13 @@ void TRunPage::showRun(const TRunControl& run) {
   setCount(processed_, progress.counts.processed(), false);
   speed_->setText(QLocale().toString(static_cast<qlonglong>(progress.speed())));
   const QString left = timeLeft(progress);
-  time_->setText(clockText(progress.milliseconds) + (left.isEmpty() ? QString() : tr(" (%1 left)").arg(left)));
+  time_->setText(clockText(progress.milliseconds) +
+                 (left.isEmpty() ? QString() : tr(" (%1 left)").arg(left)));
   // Without a count nobody knows how far it is.
   progress_->setRange(0, progress.maximum > 0 || !run.busy() ? 1000 : 0);
   if (progress.maximum > 0)
-    progress_->setValue(static_cast<int>(std::min<std::int64_t>(1000, progress.done * 1000 / progress.maximum)));
+    progress_->setValue(
+        static_cast<int>(std::min<std::int64_t>(1000, progress.done * 1000 / progress.maximum)));
   start_->setEnabled(!run.busy());
   stop_->setEnabled(run.state() == TRunState::Running);
   showThreads(run.threads());
@@ -171,8 +174,9 @@ void TRunPage::showThreads(const std::vector<TThreadProgress>& threads) {
   for (int row = 0; row < threads_->rowCount(); ++row) {
     const TThreadProgress& thread = threads[static_cast<std::size_t>(row)];
     const QString state = thread.failed ? tr("Failed") : thread.running ? tr("Running") : tr("Stopped");
-    const QStringList cells{QString::fromStdString(thread.label), state, QString::number(thread.counts.loaded),
-                            QString::number(thread.counts.discarded), QString::number(thread.counts.skipped)};
+    const QStringList cells{QString::fromStdString(thread.label), state,
+                            QString::number(thread.counts.loaded), QString::number(thread.counts.discarded),
+                            QString::number(thread.counts.skipped)};
     for (int column = 0; column < cells.size(); ++column) {
       if (!threads_->item(row, column)) threads_->setItem(row, column, new QTableWidgetItem);
       threads_->item(row, column)->setText(cells[column]);
@@ -181,7 +185,8 @@ void TRunPage::showThreads(const std::vector<TThreadProgress>& threads) {
 }
 
 void TRunPage::addLog(const std::string& lines) {
-  waiting_ << QString::fromStdString(lines).replace(QLatin1Char('\r'), QLatin1Char(' ')).split(QLatin1Char('\n'));
+  waiting_
+      << QString::fromStdString(lines).replace(QLatin1Char('\r'), QLatin1Char(' ')).split(QLatin1Char('\n'));
   if (!logTimer_.isActive()) logTimer_.start();
 }
 
@@ -214,6 +219,8 @@ void TRunPage::setFiles(const std::string& logFile, const std::string& discardFi
   discardFile_ = QString::fromStdString(discardFile);
 }
 
-QString TRunPage::status() const { return tr("%1 loaded, %2 discarded, %3 skipped").arg(loaded_->text(), discarded_->text(), skipped_->text()); }
+QString TRunPage::status() const {
+  return tr("%1 loaded, %2 discarded, %3 skipped").arg(loaded_->text(), discarded_->text(), skipped_->text());
+}
 
 }  // namespace hollowmere
