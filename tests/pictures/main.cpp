@@ -2,6 +2,7 @@
 // pictures of a display with twice the pixels.
 #include <QApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -13,8 +14,12 @@
 #include <cstdio>
 #include <thread>
 
+#include "app/ui/frmmain.h"
+#include "connectors/jsonfile/jsonfileconnector.h"
 #include "connectors/storeerror.h"
 #include "json/json.h"
+#include "project/ui/datasourcedialog.h"
+#include "project/ui/frmproject.h"
 #include "settings/ui/exportdialogs.h"
 #include "settings/ui/frmconnlist.h"
 #include "settings/ui/frmdbconfig.h"
@@ -27,7 +32,7 @@ namespace {
 
 class TPictures {
  public:
-  explicit TPictures(const QString& folder) : folder_(folder) {}
+  explicit TPictures(const QString& folder) : folder_(folder) { world_.stores.add(makeJsonFileConnector()); }
 
   void all() {
     options();
@@ -35,6 +40,8 @@ class TPictures {
     connectionTest();
     connectionList();
     exportDialogs();
+    project();
+    mainWindow();
   }
 
   [[nodiscard]] bool failed() const { return failed_; }
@@ -107,6 +114,69 @@ class TPictures {
     save(dialog, QStringLiteral("exportdialog_sealed"));
     TPassPhraseDialog phrase;
     save(phrase, QStringLiteral("passphrasedialog"));
+  }
+
+  /// Lets timers and other threads work for a while.
+  static void wait(int milliseconds) {
+    QElapsedTimer timer;
+    for (timer.start(); timer.elapsed() < milliseconds;)
+      QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
+  }
+
+  TProject sampleProject() {
+    const std::string file = world_.temp.file("orders.json");
+    std::string lines;
+    for (int i = 1; i <= 200; ++i)
+      lines += R"({"order":)" + std::to_string(1000 + i) + R"(,"placed":"2026-03-0)" +
+               std::to_string(1 + i % 9) + R"( 10:15:00","total":")" + std::to_string(i) +
+               R"(.50","paid":"true","city":"Leiden",)" + R"("lines":[{"sku":"A-17","quantity":2}]})" + "\n";
+    writeBytes(file, lines);
+    TProject project = newProject(world_.settings, world_.folder);
+    project.projectName = "Orders";
+    project.source = {"JSON File", file};
+    project.target = {"MongoDB", mongo_};
+    project.dataSources.push_back({"JSON File", file, 0});
+    project.dataTargets.push_back({"orders", "orders", ""});
+    project.mapping.push_back(
+        {"orders",
+         "JSON File",
+         "Data Source (JSON List)",
+         {{"_id", "order", "Number", {}},
+          {"placed", "placed", "DateTime", {}},
+          {"total", "total", "Number", {}},
+          {"paid", "paid", "Boolean", {}},
+          {"lines", "lines", "JSON List", {}},
+          {"delivery", "JSON File", "Data Source (JSON Object)", {{"city", "city", "String", {}}}}}});
+    return project;
+  }
+
+  void project() {
+    TfrmProject window(world_.context, sampleProject());
+    window.resize(1200, 700);
+    auto* pages = window.findChild<QTabWidget*>(QStringLiteral("pages"));
+    const QStringList names{"general", "sources", "targets", "mapping", "run"};
+    for (int page = 0; page < pages->count(); ++page) {
+      window.show();
+      pages->setCurrentIndex(page);
+      wait(names.value(page) == QLatin1String("mapping") ? 1500 : 50);
+      save(window, names.value(page));
+    }
+    const TProject& shown = window.project();
+    TDataSourceDialog dialog(world_.context, shown, shown.dataSources[0], nullptr);
+    save(dialog, QStringLiteral("datasourcedialog"));
+  }
+
+  void mainWindow() {
+    TProject sample = sampleProject();
+    const std::string file = world_.temp.file("orders.hmp");
+    TProjectFile(world_.cipher, world_.files).save(sample, file);
+    TfrmMain window(world_.context);
+    window.resize(1200, 750);
+    window.show();
+    window.openProject(QString::fromStdString(file));
+    window.openConnectionList();
+    window.openProject(QString::fromStdString(file));
+    save(window, QStringLiteral("frmmain"));
   }
 
   QDir folder_;
