@@ -30,8 +30,8 @@ struct TProperty {
   qint64 highest = 2147483647;
 };
 
-/// Rows of captions and values under categories, edited in place: F2, Enter or typing begins, Enter ends,
-/// Escape takes back.
+/// Rows of captions and values under categories, edited in place: F2, a double click or typing begins, Enter
+/// ends, Escape takes back.
 class TPropertyGrid : public QTreeWidget {
   Q_OBJECT
 

@@ -32,6 +32,9 @@ struct TWindowContext {
   TMainThread& mainThread;
   /// Opens a file or an address outside of the program.
   std::function<void(const QString&)> openOutside;
+  /// Asks whether a new connection is to be kept for later, and keeps it; set by the main window. May be
+  /// empty.
+  std::function<void(const ConnectionConfig&)> offerToKeep = {};
 
   [[nodiscard]] TConnectionListFile connectionFile() const {
     return {folder.connectionListFile(), cipher, files};

@@ -110,6 +110,19 @@ TEST_F(MainWindow, TheConnectionListIsOneAndOpensNoBrowserYet) {
   EXPECT_TRUE(window.close());
 }
 
+TEST_F(MainWindow, AKeptConnectionIsNotLostToTheOpenList) {
+  const ConnectionConfig record{{"dbtype", "MongoDB"}, {"host", "h"}, {"port", 27017}, {"database", "d"}};
+  const std::string question = "Would you like to save this database connection for future use?";
+  TfrmMain window(context);
+  window.show();
+  window.openConnectionList();
+  prompt.expect(TPromptKind::Confirmation, question, TAnswer::Yes);
+  context.offerToKeep(record);
+  context.offerToKeep(record);  // there already: no question
+  EXPECT_TRUE(window.close()) << "the list is written when its window closes";
+  EXPECT_EQ(context.connectionFile().load().records().size(), 1U);
+}
+
 TEST_F(MainWindow, EditActionsFollowTheFocus) {
   TfrmMain window(context);
   auto* line = new QLineEdit(QStringLiteral("abc"), &window);

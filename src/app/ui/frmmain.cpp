@@ -76,11 +76,12 @@ TfrmMain::TfrmMain(TWindowContext& context) : context_(context) {
           [this](int tab) { area_->subWindowList()[tab]->close(); });
   resize(fontMetrics().averageCharWidth() * 150, fontMetrics().height() * 45);
   restorePlacement(context_.store, placementGroup(), *this);
+  context_.offerToKeep = [this](const ConnectionConfig& record) { offerToKeep(record); };
   statusBar()->showMessage(text("Ready"));
   updateTabs();
 }
 
-TfrmMain::~TfrmMain() = default;
+TfrmMain::~TfrmMain() { context_.offerToKeep = {}; }
 
 QAction* TfrmMain::makeAction(const char* name, const QString& caption, const char* icon,
                               const QKeySequence& keys) {
@@ -273,14 +274,34 @@ void TfrmMain::rememberRecent(const QString& fileName) {
 }
 
 void TfrmMain::openConnectionList() {
-  for (TMdiChild* child : childWindows())
-    if (qobject_cast<TfrmConnList*>(child)) {
-      area_->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(child->parentWidget()));
-      return;
-    }
+  if (TfrmConnList* open = connectionWindow()) {
+    area_->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(open->parentWidget()));
+    return;
+  }
   auto* list = new TfrmConnList(context_);
   connect(list, &TfrmConnList::openConnection, this, &TfrmMain::openDBWindow);
   showChild(list);
+}
+
+TfrmConnList* TfrmMain::connectionWindow() const {
+  for (TMdiChild* child : childWindows())
+    if (auto* list = qobject_cast<TfrmConnList*>(child)) return list;
+  return nullptr;
+}
+
+/// While its window is open, the list is there and not in the file.
+void TfrmMain::offerToKeep(const ConnectionConfig& record) {
+  if (TfrmConnList* open = connectionWindow()) {
+    open->offerToKeep(record);
+    return;
+  }
+  try {
+    const TConnectionListFile file = context_.connectionFile();
+    TConnectionList list = file.load();
+    hollowmere::offerToKeep(list, file, record, context_.prompt);
+  } catch (const TConnectionListError& error) {
+    context_.prompt.error(error.what());
+  }
 }
 
 void TfrmMain::openDBWindow(const ConnectionConfig& connection) {

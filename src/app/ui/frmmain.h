@@ -13,6 +13,7 @@ class QTabBar;
 
 namespace hollowmere {
 
+class TfrmConnList;
 class TfrmProject;
 struct TProject;
 
@@ -58,6 +59,8 @@ class TfrmMain : public QMainWindow {
   void updateTabs();
   void showStatus();
   [[nodiscard]] bool mayExit();
+  [[nodiscard]] TfrmConnList* connectionWindow() const;
+  void offerToKeep(const ConnectionConfig& record);
 
   TWindowContext& context_;
   QMdiArea* area_;

@@ -223,14 +223,7 @@ void TfrmProject::configureConnection(TSide side) {
   const bool isRecord = value.connection.is(TKind::Object);
   const TValue record = value.connection;
   changeSide(side, std::move(value));
-  if (!isRecord) return;
-  try {
-    const TConnectionListFile file = context_.connectionFile();
-    TConnectionList list = file.load();
-    offerToKeep(list, file, record.asObject(), context_.prompt);
-  } catch (const TConnectionListError& error) {
-    context_.prompt.error(error.what());
-  }
+  if (isRecord && context_.offerToKeep) context_.offerToKeep(record.asObject());
 }
 
 bool TfrmProject::chooseConnection(TSide side, TProjectSide& value) {
