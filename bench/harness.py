@@ -133,7 +133,10 @@ def interrupt(project_file, after):
         raise RuntimeError("the load ended before it was stopped: " + open(path("stderr")).read())
     pressed = time.monotonic()
     process.send_signal(signal.SIGINT)
-    return Ended(process, pressed).wall
+    ended = Ended(process, pressed)
+    if ended.code != 130:
+        raise RuntimeError("exit code %d after Ctrl-C" % ended.code)
+    return ended.wall
 
 
 class Table:

@@ -132,8 +132,14 @@ int runBatch(const std::string& projectFile) {
     TProgram program(prompt);
     TCallQueue mainThread;
     TRunControl control(program.projectFile().open(projectFile),
-                        {program.stores, prompt, mainThread, program.clock, program.dates,
-                         static_cast<std::size_t>(program.settings.bufLen), consoleBackground(mainThread)},
+                        {program.stores,
+                         prompt,
+                         mainThread,
+                         program.clock,
+                         program.dates,
+                         static_cast<std::size_t>(program.settings.bufLen),
+                         consoleBackground(mainThread),
+                         {}},
                         true);
     TConsoleOptions options;
     options.closingPause = 1000;

@@ -46,7 +46,8 @@ TRunServices makeServices(TProgram& program, const TCall& call, TMainThread& mai
           program.clock,
           program.dates,
           static_cast<std::size_t>(program.settings.bufLen),
-          consoleBackground(mainThread)};
+          consoleBackground(mainThread),
+          {}};
 }
 
 void addCounts(TObject& object, const TLoadCounts& counts) {
@@ -123,15 +124,15 @@ bool printPreview(TSourceReader& reader, const TProject& project, const TMapNode
                   const TDateTimeText& dates, std::int64_t limit, const TCliStreams& streams) {
   const bool toFile = project.target.connection.is(TKind::Text);
   bool good = true;
-  previewMapping(reader, project.dataSources, mapping, project.ignoreNulls, dates, limit,
-                 [&](TPreviewRow&& row) {
-                   if (row.error.empty())
-                     streams.out << toJson(row.document, toFile ? TTextForm::Markers : TTextForm::Plain) << '\n';
-                   else
-                     streams.err << mapping.source << ", row " << row.number << ": " << row.error << '\n';
-                   good = good && row.error.empty();
-                   return static_cast<bool>(streams.out);
-                 });
+  previewMapping(
+      reader, project.dataSources, mapping, project.ignoreNulls, dates, limit, [&](TPreviewRow&& row) {
+        if (row.error.empty())
+          streams.out << toJson(row.document, toFile ? TTextForm::Markers : TTextForm::Plain) << '\n';
+        else
+          streams.err << mapping.source << ", row " << row.number << ": " << row.error << '\n';
+        good = good && row.error.empty();
+        return static_cast<bool>(streams.out);
+      });
   return good;
 }
 

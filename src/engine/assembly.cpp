@@ -217,10 +217,10 @@ void TAssembler::addField(TObject& document, const TNodePlan& child, TObject& ro
   else if (child.takesLast)
     addConverted(document, child, std::move(*field));
   else
-    addConverted(document, child, *field);
+    addConverted(document, child, TValue(*field));
 }
 
-void TAssembler::addConverted(TObject& document, const TNodePlan& child, TValue value) {
+void TAssembler::addConverted(TObject& document, const TNodePlan& child, TValue&& value) {
   // A document without a value for its identifier gets one from its store; null would be a value.
   if (value.isNull() && child.isId) return;
   if (value.isNull()) return addNull(document, child.target);
@@ -232,10 +232,10 @@ void TAssembler::addConverted(TObject& document, const TNodePlan& child, TValue 
       return addParsed(document, child, std::move(value));
     default: break;
   }
-  document.add(child.isId ? "_id" : child.target, scalar(child, std::move(value)));
+  document.add(child.isId ? std::string_view("_id") : child.target, scalar(child, std::move(value)));
 }
 
-void TAssembler::addParsed(TObject& document, const TNodePlan& child, TValue value) {
+void TAssembler::addParsed(TObject& document, const TNodePlan& child, TValue&& value) {
   const TKind wanted = child.type == TTargetType::JsonList ? TKind::List : TKind::Object;
   if (child.type == TTargetType::JsonFromXml) {
     TValue converted = value.is(TKind::Text) ? xmlToJson(value.asText()) : TValue();
@@ -260,7 +260,7 @@ void TAssembler::addNull(TObject& document, const std::string& name) const {
   if (!ignoreNulls_) document.add(name, TValue());
 }
 
-TValue TAssembler::scalar(const TNodePlan& child, TValue value) const {
+TValue TAssembler::scalar(const TNodePlan& child, TValue&& value) const {
   if (value.isNested() && !child.isId) return value;
   switch (child.type) {
     case TTargetType::Number: return toNumber(child, value);
@@ -270,7 +270,9 @@ TValue TAssembler::scalar(const TNodePlan& child, TValue value) const {
     case TTargetType::DateTime:
       if (child.isId) break;
       if (value.is(TKind::DateTime)) return value;
-      if (const auto moment = dates_.parse(textForm(value))) return TValue::dateTime(*moment);
+      if (const auto moment =
+              value.is(TKind::Text) ? dates_.parse(value.asText()) : dates_.parse(textForm(value)))
+        return TValue::dateTime(*moment);
       refuse(child, "a date-time", textForm(value));
     case TTargetType::Binary:
       // Bytes stay bytes: their marked text is made only where a value becomes JSON text.

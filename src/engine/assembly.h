@@ -51,10 +51,10 @@ class TAssembler {
   TNestedValues queryChildren(const TNodePlan& node, const std::string& dataSource, const TObject& row);
   TList rowsOf(const TNodePlan& child, const std::string& dataSource, const TObject& row);
   void addField(TObject& document, const TNodePlan& child, TObject& row);
-  void addConverted(TObject& document, const TNodePlan& child, TValue value);
-  void addParsed(TObject& document, const TNodePlan& child, TValue value);
+  void addConverted(TObject& document, const TNodePlan& child, TValue&& value);
+  void addParsed(TObject& document, const TNodePlan& child, TValue&& value);
   void addNull(TObject& document, const std::string& name) const;
-  TValue scalar(const TNodePlan& child, TValue value) const;
+  TValue scalar(const TNodePlan& child, TValue&& value) const;
 
   bool ignoreNulls_;
   const TDateTimeText& dates_;

@@ -2,7 +2,7 @@
 
 #include <QByteArray>
 #include <chrono>
-#include <cstdio>
+#include <cstdlib>
 
 namespace hollowmere {
 
@@ -22,6 +22,15 @@ std::optional<std::string> fromBase64(std::string_view text) {
   return decoded.decoded.toStdString();
 }
 
+namespace {
+
+/// Writes a number over zeros that end there.
+void putDigits(char* end, int number) {
+  for (; number > 0; number /= 10) *--end = static_cast<char>('0' + number % 10);
+}
+
+}  // namespace
+
 std::string toIsoText(std::int64_t millisecondsUtc) {
   using namespace std::chrono;
   const sys_time<milliseconds> moment{milliseconds(millisecondsUtc)};
@@ -33,13 +42,18 @@ std::string toIsoText(std::int64_t millisecondsUtc) {
   const year_month_day date{day};
   const hh_mm_ss time{moment - day};
   const int years = static_cast<int>(date.year());
-  char text[48];
-  std::snprintf(text, sizeof text,
-                years >= 0 && years <= 9999 ? "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ"
-                                            : "%+06d-%02u-%02uT%02d:%02d:%02d.%03dZ",
-                years, static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
-                static_cast<int>(time.seconds().count()), static_cast<int>(time.subseconds().count()));
+  const bool usual = years >= 0 && years <= 9999;
+  std::string text = usual       ? "0000-00-00T00:00:00.000Z"
+                     : years < 0 ? "-00000-00-00T00:00:00.000Z"
+                                 : "+00000-00-00T00:00:00.000Z";
+  char* const end = text.data() + text.size();
+  putDigits(end - 20, std::abs(years));
+  putDigits(end - 17, static_cast<int>(static_cast<unsigned>(date.month())));
+  putDigits(end - 14, static_cast<int>(static_cast<unsigned>(date.day())));
+  putDigits(end - 11, static_cast<int>(time.hours().count()));
+  putDigits(end - 8, static_cast<int>(time.minutes().count()));
+  putDigits(end - 5, static_cast<int>(time.seconds().count()));
+  putDigits(end - 1, static_cast<int>(time.subseconds().count()));
   return text;
 }
 

@@ -58,7 +58,8 @@ void throwJsonFault(std::string_view text, std::size_t depthLimit, const char* f
   const rapidjson::ParseResult result = reader.Parse<strictFlags>(input, watch);
   if (result.Code() == rapidjson::kParseErrorTermination)
     throw TJsonError("nested deeper than " + std::to_string(depthLimit) + " levels", result.Offset());
-  if (result.IsError()) throw TJsonError(withoutFullStop(rapidjson::GetParseError_En(result.Code())), result.Offset());
+  if (result.IsError())
+    throw TJsonError(withoutFullStop(rapidjson::GetParseError_En(result.Code())), result.Offset());
   throw TJsonError(fallback, text.size());
 }
 

@@ -138,7 +138,7 @@ const TMember* TObject::findIgnoringCase(std::string_view name) const {
 
 TValue& TObject::set(std::string_view name, TValue value) {
   if (TValue* held = find(name)) return *held = std::move(value);
-  return add(std::string(name), std::move(value));
+  return add(name, std::move(value));
 }
 
 bool TObject::remove(std::string_view name) {

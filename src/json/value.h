@@ -68,7 +68,7 @@ class TObject {
   [[nodiscard]] bool contains(std::string_view name) const { return find(name) != nullptr; }
 
   /// Adds a member at the end, whether or not the name is there already.
-  TValue& add(std::string name, TValue value);
+  TValue& add(std::string_view name, TValue value);
   /// Adds a null member at the end, to be filled in its place.
   TMember& addNull(std::string_view name);
   /// Replaces the value of that name in its place, or adds it at the end.
@@ -82,6 +82,12 @@ class TObject {
   bool operator==(const TObject& other) const;
 
  private:
+  /// Becomes the text in its place: even a short text that is moved is copied once more.
+  struct TToText {
+    std::string_view text;
+    operator std::string() const { return std::string(text); }
+  };
+
   std::vector<TMember> members_;
 };
 
@@ -221,16 +227,11 @@ struct TMember {
 
 inline void TObject::reserve(std::size_t count) { members_.reserve(count); }
 
-inline TValue& TObject::add(std::string name, TValue value) {
-  return members_.emplace_back(TMember{std::move(name), std::move(value)}).value;
+inline TValue& TObject::add(std::string_view name, TValue value) {
+  return members_.emplace_back(TToText{name}, std::move(value)).value;
 }
 
 inline TMember& TObject::addNull(std::string_view name) {
-  // Becomes the text in its place: even a short text that is moved is copied once more.
-  struct TToText {
-    std::string_view text;
-    operator std::string() const { return std::string(text); }
-  };
   return members_.emplace_back(TToText{name}, TValue());
 }
 

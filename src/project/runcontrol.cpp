@@ -176,6 +176,13 @@ TRunProgress TRunControl::progress() const {
   return progress;
 }
 
+std::vector<TThreadProgress> TRunControl::threads() const {
+  std::vector<TThreadProgress> threads;
+  for (const auto& load : loads_)
+    threads.push_back({load->label(), load->counts(), !load->finished(), load->failed()});
+  return threads;
+}
+
 void TRunControl::checkThresholds(const TLoadCounts& counts) {
   const bool loaded = threshold(project_.loadNum, counts.loaded, runtexts::toLoad);
   const bool discarded = threshold(project_.discNum, counts.discarded, runtexts::discarded);
@@ -257,7 +264,10 @@ void TRunControl::writeResult() {
   if (fileFault_.empty()) services_.prompt.error(failure);
 }
 
-void TRunControl::log(const std::string& lines) { writeLine(log_, lines); }
+void TRunControl::log(const std::string& lines) {
+  if (services_.logged) services_.logged(lines);
+  writeLine(log_, lines);
+}
 
 void TRunControl::disc(const std::string& lines) { writeLine(disc_, lines); }
 

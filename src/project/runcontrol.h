@@ -33,6 +33,8 @@ struct TRunServices {
   const TDateTimeText& dates;
   std::size_t bufferBytes = 1000000;
   TBackground background = [](const auto& call, TStopFlag&) { call(); };
+  /// Sees every batch of lines that goes into the log file; may be empty.
+  std::function<void(const std::string& lines)> logged;
 };
 
 /// A load as it stands, for a progress display.
@@ -50,6 +52,14 @@ struct TRunProgress {
                ? 1000.0 * static_cast<double>(counts.processed()) / static_cast<double>(milliseconds)
                : 0;
   }
+};
+
+/// One thread of a load, for the same.
+struct TThreadProgress {
+  std::string label;
+  TLoadCounts counts;
+  bool running = false;
+  bool failed = false;
 };
 
 /// The counts of one root mapping.
@@ -85,6 +95,7 @@ class TRunControl : private TLoadHost {
   /// "Working..." or "Ready".
   [[nodiscard]] const std::string& status() const { return status_; }
   [[nodiscard]] TRunProgress progress() const;
+  [[nodiscard]] std::vector<TThreadProgress> threads() const;
   [[nodiscard]] const std::vector<TMappingResult>& results() const { return results_; }
   /// What a batch process ends with: 0 after a run to its end, 1 when it could not be run.
   [[nodiscard]] int exitCode() const { return exitCode_; }

@@ -7,6 +7,7 @@
 #include <nettle/des.h>
 #include <nettle/hmac.h>
 #include <nettle/memops.h>
+#include <nettle/pbkdf2.h>
 #include <nettle/sha2.h>
 
 #include <QRandomGenerator>
@@ -22,6 +23,8 @@ constexpr std::string_view mark = "HM\x01";
 constexpr std::size_t vectorBytes = DES_BLOCK_SIZE;
 constexpr std::size_t headerBytes = mark.size() + vectorBytes;
 constexpr std::size_t checkBytes = 16;
+constexpr std::size_t saltBytes = 16;
+constexpr unsigned phraseRounds = 600000;
 
 /// Put together when it is needed, so that it does not stand in the program as one readable piece.
 std::string programSecret() {
@@ -52,10 +55,11 @@ std::array<std::uint8_t, SHA256_DIGEST_SIZE> derive(std::string_view purpose, st
   return digest;
 }
 
-std::string newVector() {
-  std::array<quint32, vectorBytes / sizeof(quint32)> words{};
+template <std::size_t count>
+std::string randomBytes() {
+  std::array<quint32, count / sizeof(quint32)> words{};
   QRandomGenerator::system()->fillRange(words.data(), words.size());
-  return {reinterpret_cast<const char*>(words.data()), vectorBytes};
+  return {reinterpret_cast<const char*>(words.data()), count};
 }
 
 using TFeedback = decltype(&cfb8_encrypt);
@@ -84,6 +88,15 @@ TCipher::TCipher(std::string_view secret) : checkKey_(derive("check", secret)) {
   std::copy_n(digest.begin(), key_.size(), key_.begin());
 }
 
+TCipher TCipher::underPassPhrase(std::string_view passPhrase, std::string_view salt) {
+  std::string secret(SHA256_DIGEST_SIZE, '\0');
+  pbkdf2_hmac_sha256(passPhrase.size(), bytesOf(passPhrase), phraseRounds, salt.size(), bytesOf(salt),
+                     secret.size(), bytesOf(secret));
+  return TCipher(secret);
+}
+
+std::string TCipher::newSalt() { return randomBytes<saltBytes>(); }
+
 std::string TCipher::checkValue(std::string_view header, std::string_view text) const {
   hmac_sha256_ctx hash;
   hmac_sha256_set_key(&hash, checkKey_.size(), checkKey_.data());
@@ -95,7 +108,7 @@ std::string TCipher::checkValue(std::string_view header, std::string_view text) 
 }
 
 std::string TCipher::encryptStream(std::string_view bytes) const {
-  const std::string vector = newVector();
+  const std::string vector = randomBytes<vectorBytes>();
   std::string out = std::string(mark) + vector;
   std::string plain = checkValue(out, bytes);
   plain += bytes;

@@ -34,6 +34,14 @@ class TCipher {
   /// Another secret, such as that of another build.
   explicit TCipher(std::string_view secret);
 
+  /// The secret is derived from a pass phrase: PBKDF2 with HMAC-SHA-256, 600000 rounds, so that each guess at
+  /// the phrase costs about a tenth of a second; the salt is not secret and keeps guesses from being made
+  /// ready for all files at once. The DES key behind it still has 56 bits only: whoever can pay for trying
+  /// all of them reads the text whatever the phrase. It keeps honest people out, not an expert with time.
+  static TCipher underPassPhrase(std::string_view passPhrase, std::string_view salt);
+  /// 16 bytes of the system's random numbers.
+  static std::string newSalt();
+
   /// The enciphered bytes as one line of Base64, without a line break.
   [[nodiscard]] std::string encryptString(std::string_view text) const;
   /// Throws TCipherError; blanks and line breaks around the text are the caller's to remove.

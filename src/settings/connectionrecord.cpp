@@ -134,6 +134,16 @@ bool isSecret(std::string_view member) {
   return std::ranges::any_of(secrets, [member](TTexts name) { return equalIgnoringCase(name, member); });
 }
 
+TValue replaceSecrets(const TValue& value, TTexts text) {
+  TValue changed = value;
+  if (changed.is(TKind::List))
+    for (TValue& item : changed.asList()) item = replaceSecrets(item, text);
+  if (changed.is(TKind::Object))
+    for (TMember& member : changed.asObject())
+      member.value = isSecret(member.name) ? TValue(text) : replaceSecrets(member.value, text);
+  return changed;
+}
+
 std::string hostColumn(const ConnectionConfig& record, std::string_view type) {
   if (type == dbtype::mongodb)
     return textOf(record, "host") + "@" + textOf(record, "database") + "/" + textOf(record, "user");
@@ -150,6 +160,13 @@ const TConnectionType* findConnectionType(std::string_view dbType) {
   return found == types.end() ? nullptr : found;
 }
 
+std::vector<std::string> fieldChoices(const TConnectionField& field, std::string_view text) {
+  std::vector<std::string> choices(field.choices.begin(), field.choices.end());
+  for (const std::string_view further : {field.initial, text})
+    if (std::ranges::find(choices, further) == choices.end()) choices.emplace(choices.begin(), further);
+  return choices;
+}
+
 TFieldValues newConnectionValues(const TConnectionType& type) {
   TFieldValues values;
   for (const TConnectionField& field : type.fields) values.emplace(field.member, field.initial);
@@ -163,15 +180,22 @@ TFieldValues connectionValues(const TConnectionType& type, const ConnectionConfi
   return values;
 }
 
-std::string checkConnection(const TConnectionType& type, const TFieldValues& values) {
+std::optional<TFieldFault> findFieldFault(const TConnectionType& type, const TFieldValues& values) {
   for (const TConnectionField& field : type.fields)
-    if (!field.required.empty() && valueOf(values, field.member).empty()) return std::string(field.required);
+    if (!field.required.empty() && valueOf(values, field.member).empty())
+      return TFieldFault{field.member, std::string(field.required)};
   if (holdsProtocol(valueOf(values, "host")))
-    return "Do not use http: or https: protocol prefixes in the host name.";
+    return TFieldFault{"host", "Do not use http: or https: protocol prefixes in the host name."};
   for (const TConnectionField& field : type.fields)
     if (field.kind == Number && portOf(valueOf(values, field.member)) < 0)
-      return std::string(field.caption) + " must be a whole number from 0 to 65535.";
-  return {};
+      return TFieldFault{field.member,
+                         std::string(field.caption) + " must be a whole number from 0 to 65535."};
+  return std::nullopt;
+}
+
+std::string checkConnection(const TConnectionType& type, const TFieldValues& values) {
+  const auto fault = findFieldFault(type, values);
+  return fault ? fault->message : std::string();
 }
 
 ConnectionConfig buildConnection(const TConnectionType& type, const TFieldValues& values) {
@@ -191,15 +215,9 @@ TConnectionRow connectionRow(const ConnectionConfig& record) {
   return {hostColumn(record, type), port, type, {}, toJson(record)};
 }
 
-TValue maskSecrets(const TValue& value) {
-  TValue masked = value;
-  if (masked.is(TKind::List))
-    for (TValue& item : masked.asList()) item = maskSecrets(item);
-  if (masked.is(TKind::Object))
-    for (TMember& member : masked.asObject())
-      member.value = isSecret(member.name) ? TValue("********") : maskSecrets(member.value);
-  return masked;
-}
+TValue maskSecrets(const TValue& value) { return replaceSecrets(value, "********"); }
+
+TValue withoutSecrets(const TValue& value) { return replaceSecrets(value, ""); }
 
 bool isConfigured(const TValue& value) {
   if (value.is(TKind::Object)) return !value.asObject().empty();

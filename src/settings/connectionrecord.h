@@ -3,9 +3,11 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "json/value.h"
 
@@ -60,11 +62,23 @@ const TConnectionType* findConnectionType(std::string_view dbType);
 /// What stands in the rows of the dialog: member to text.
 using TFieldValues = std::map<std::string, std::string, std::less<>>;
 
+/// What a choice offers while a text stands in it: the field's choices; before them, when they lack it, the
+/// value of a new connection, so that it can be had again, and the text itself, so that it is kept.
+std::vector<std::string> fieldChoices(const TConnectionField& field, std::string_view text);
+
 /// The rows of a new connection.
 TFieldValues newConnectionValues(const TConnectionType& type);
 /// The rows for an existing record; a member it lacks stands as for a new connection.
 TFieldValues connectionValues(const TConnectionType& type, const ConnectionConfig& record);
-/// Empty when all is well, else the first message, in the order of the checks.
+/// A row that cannot stay as it is.
+struct TFieldFault {
+  std::string_view member;
+  std::string message;
+};
+
+/// The first fault of the rows, in the order of the checks; nothing when all is well.
+std::optional<TFieldFault> findFieldFault(const TConnectionType& type, const TFieldValues& values);
+/// Its message; empty when all is well.
 std::string checkConnection(const TConnectionType& type, const TFieldValues& values);
 /// The record of values that checkConnection() passed.
 ConnectionConfig buildConnection(const TConnectionType& type, const TFieldValues& values);
@@ -77,6 +91,9 @@ TConnectionRow connectionRow(const ConnectionConfig& record);
 
 /// A copy for display and logs in which the values of all password members, at any depth, are "********".
 TValue maskSecrets(const TValue& value);
+
+/// A copy in which the values of all password members, at any depth, are empty.
+TValue withoutSecrets(const TValue& value);
 
 /// Whether a connection or a query is there: neither an empty object nor an empty text nor "{}".
 bool isConfigured(const TValue& value);

@@ -18,18 +18,19 @@
 #include "json/json.h"
 #include "project/projectdocument.h"
 #include "settings/cipher.h"
+#include "settings/rtftext.h"
 #include "support/tempfolder.h"
 
 namespace hollowmere::fuzz {
 
 namespace {
 
-#define REQUIRE(condition)                                                  \
-  do {                                                                      \
-    if (!(condition)) {                                                     \
+#define REQUIRE(condition)                                                 \
+  do {                                                                     \
+    if (!(condition)) {                                                    \
       std::fprintf(stderr, "%s:%d: %s\n", __FILE__, __LINE__, #condition); \
-      std::abort();                                                         \
-    }                                                                       \
+      std::abort();                                                        \
+    }                                                                      \
   } while (false)
 
 const TDateTimeText& dates() {
@@ -138,6 +139,8 @@ void project(std::string_view bytes) {
   }
 }
 
+void rtf(std::string_view bytes) { REQUIRE(isUtf8(rtfText(bytes))); }
+
 void cipher(std::string_view bytes) {
   static const TCipher sealed;
   try {
@@ -164,13 +167,15 @@ constexpr std::array table{
     TTarget{"query", query, R"({"a": :id, "b": ":n", "c": {"$gt": 5, "d": [":id", true]}})"sv},
     TTarget{"date", date, "2026-01-02T03:04:05.678+01:30"sv},
     TTarget{"markers", markers, "&base64;AAE= &quot;1/2/2026 3:04 PM&quot; &str;"sv},
-    TTarget{"shell", shell, R"({ "a" : NumberLong("5"), "d" : ISODate("2020-01-02T03:04:05Z"), "n" : NaN })"sv},
+    TTarget{"shell", shell,
+            R"({ "a" : NumberLong("5"), "d" : ISODate("2020-01-02T03:04:05Z"), "n" : NaN })"sv},
     TTarget{"filter", filter, "SingleColumnValueFilter('f','c',=,'binary:a and b') and PageFilter(5)"sv},
     TTarget{"cassandra", cassandra, "map<text,list<int>>|\0\1\0\1a\0\6\0\1\0\4\0\0\0\5"sv},
     TTarget{"xml", xml, "<a x='1'><b>t</b><b/><![CDATA[c]]>&amp;</a>"sv},
     TTarget{"bson", bson, "\x16\0\0\0\2k\0\3\0\0\0ab\0\4l\0\5\0\0\0\0\0"sv},
     TTarget{"project", project, projectSeed},
     TTarget{"cipher", cipher, "SE0BAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA"sv},
+    TTarget{"rtf", rtf, R"({\rtf1\uc2{\*\x;}\b a\u-10179\u-8704 ??\'e9\par\bin3 abc})"sv},
 };
 
 }  // namespace

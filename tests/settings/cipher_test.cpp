@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "json/encoding.h"
+
 namespace hollowmere {
 namespace {
 
@@ -62,6 +64,18 @@ TEST(Cipher, FollowsItsDocumentedLayout) {
   // Made with "openssl enc -des-cfb8" and an HMAC of another library.
   const char* const enciphered = "SE0BAQIDBAUGBwgoqyZbq99pKOiufKizOVgkSSQfv3EdK9DvujsttM26dK8=";
   EXPECT_EQ(TCipher("another secret").decryptString(enciphered), "Hollowmere 2.0.72");
+}
+
+TEST(Cipher, APassPhraseAndItsSaltMakeTheSecret) {
+  // The derived bytes are those of another library's PBKDF2.
+  const std::string secret = "uQBI4lfrcigJan39lRw7V0YXVh6kUKMz17BSDMojzv8=";
+  const std::string sealed =
+      TCipher::underPassPhrase("long enough", "0123456789abcdef").encryptString("text");
+  EXPECT_EQ(TCipher(*fromBase64(secret)).decryptString(sealed), "text");
+  EXPECT_THROW((void)TCipher::underPassPhrase("long enough", "0123456789abcdeF").decryptString(sealed),
+               TCipherError);
+  EXPECT_EQ(TCipher::newSalt().size(), 16U);
+  EXPECT_NE(TCipher::newSalt(), TCipher::newSalt());
 }
 
 TEST(Cipher, ReadsWhatEarlierBuildsWrote) {

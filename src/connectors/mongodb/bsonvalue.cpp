@@ -29,6 +29,13 @@ std::size_t significantDigits(std::string_view number) {
   return digits.find_last_not_of('0') - first + 1;
 }
 
+/// isValidText(), quicker for the usual short text without letters beyond ASCII.
+bool isText(std::string_view bytes) {
+  char all = 0;
+  for (const char c : bytes) all = static_cast<char>(all | c);
+  return (all & 0x80) == 0 || isValidText(bytes);
+}
+
 class TBsonBuilder {
  public:
   /// Without dates texts are not converted.
@@ -44,14 +51,10 @@ class TBsonBuilder {
  private:
   static void checkName(const std::string& name) {
     // A name is a C string: what follows a zero byte would be lost.
-    bool zero = false, beyondAscii = false;
-    for (const char c : name) {
-      zero = zero || c == 0;
-      beyondAscii = beyondAscii || (c & 0x80) != 0;
-    }
-    if (zero) refuse(name.c_str(), "has a name with a zero byte, which BSON cannot hold");
+    if (name.find('\0') != std::string::npos)
+      refuse(name.c_str(), "has a name with a zero byte, which BSON cannot hold");
     if (name.empty()) refuse(name, "has an empty name");
-    if (beyondAscii && !isValidText(name)) refuse("", "has a name that is not UTF-8");
+    if (!isText(name)) refuse("", "has a name that is not UTF-8");
   }
 
   void append(bson_t* out, std::string_view key, const TValue& value, bool inList) {
@@ -85,7 +88,7 @@ class TBsonBuilder {
 
   bool appendText(bson_t* out, std::string_view key, const std::string& text, bool inList) {
     // Outside lists such a text becomes binary.
-    if (inList && !isValidText(text)) refuse(key, "is not UTF-8");
+    if (inList && !isText(text)) refuse(key, "is not UTF-8");
     const std::optional<TValue> converted = dates_ ? convertText(text, inList, *dates_) : std::nullopt;
     if (!converted) return appendPlain(out, key, text);
     if (converted->is(TKind::Text)) return appendPlain(out, key, converted->asText());
@@ -144,11 +147,13 @@ class TBsonBuilder {
 /// Servers allow 100 levels. What is sent beyond that must not overrun the stack.
 constexpr int deepest = 200;
 
+TValue readValue(const bson_iter_t& iter, int depth);
 TObject readObject(bson_iter_t& iter, int depth);
 
 TList readList(bson_iter_t& iter, int depth) {
   TList list;
-  for (TMember& member : readObject(iter, depth)) list.push_back(std::move(member.value));
+  while (bson_iter_next(&iter)) list.push_back(readValue(iter, depth));
+  if (iter.err_off != 0) throw std::runtime_error("The server sent a broken document.");
   return list;
 }
 
@@ -252,7 +257,7 @@ TObject readObject(bson_iter_t& iter, int depth) {
   object.reserve(8);
   while (bson_iter_next(&iter)) {
     const std::string_view key(bson_iter_key(&iter), bson_iter_key_len(&iter));
-    object.addNull(key).value = readValue(iter, depth);
+    object.add(key, readValue(iter, depth));
   }
   if (iter.err_off != 0) throw std::runtime_error("The server sent a broken document.");
   return object;

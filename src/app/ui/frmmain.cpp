@@ -1,0 +1,342 @@
+#include "app/ui/frmmain.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QSettings>
+#include <QStatusBar>
+#include <QTabBar>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+#include "app/ui/editactions.h"
+#include "project/recentprojects.h"
+#include "project/ui/frmproject.h"
+#include "settings/ui/frmconnlist.h"
+#include "settings/ui/frmoption.h"
+#include "ui/icons.h"
+#include "ui/placement.h"
+
+namespace hollowmere {
+
+namespace {
+
+const QString& placementGroup() {
+  static const QString group = QStringLiteral("Main");
+  return group;
+}
+
+TMdiChild* childOf(const QMdiSubWindow* window) {
+  return window ? qobject_cast<TMdiChild*>(window->widget()) : nullptr;
+}
+
+}  // namespace
+
+TfrmMain::TfrmMain(TWindowContext& context) : context_(context) {
+  setObjectName(QStringLiteral("TfrmMain"));
+  setWindowTitle(QStringLiteral("Hollowmere"));
+  setAcceptDrops(true);
+  auto* centre = new QWidget(this);
+  auto* layout = new QVBoxLayout(centre);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(0);
+  tabs_ = new QTabBar(centre);
+  tabs_->setObjectName(QStringLiteral("windowTabs"));
+  tabs_->setAccessibleName(tr("Open windows"));
+  tabs_->setDocumentMode(true);
+  tabs_->setTabsClosable(true);
+  tabs_->setExpanding(false);
+  tabs_->setElideMode(Qt::ElideMiddle);
+  area_ = new QMdiArea(centre);
+  area_->setObjectName(QStringLiteral("area"));
+  layout->addWidget(tabs_);
+  layout->addWidget(area_, 1);
+  setCentralWidget(centre);
+  toolBar_ = addToolBar(tr("Main"));
+  toolBar_->setObjectName(QStringLiteral("mainBar"));
+  toolBar_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+  makeFileMenu();
+  makeEditMenu();
+  makeWindowMenu();
+  makeHelpMenu();
+  connect(area_, &QMdiArea::subWindowActivated, this, &TfrmMain::onActivated);
+  connect(tabs_, &QTabBar::tabBarClicked, this, [this](int tab) {
+    if (tab >= 0 && tab < area_->subWindowList().size())
+      area_->setActiveSubWindow(area_->subWindowList()[tab]);
+  });
+  connect(tabs_, &QTabBar::tabCloseRequested, this,
+          [this](int tab) { area_->subWindowList()[tab]->close(); });
+  resize(fontMetrics().averageCharWidth() * 150, fontMetrics().height() * 45);
+  restorePlacement(context_.store, placementGroup(), *this);
+  statusBar()->showMessage(text("Ready"));
+  updateTabs();
+}
+
+TfrmMain::~TfrmMain() = default;
+
+QAction* TfrmMain::makeAction(const char* name, const QString& caption, const char* icon,
+                              const QKeySequence& keys) {
+  auto* action = new QAction(themeIcon(icon), caption, this);
+  action->setObjectName(QLatin1String(name));
+  action->setShortcut(keys);
+  return action;
+}
+
+void TfrmMain::makeFileMenu() {
+  QMenu* menu = menuBar()->addMenu(tr("&File"));
+  QAction* create =
+      makeAction("actNewProject", text("New Project"), "document-new", QKeySequence(tr("Ctrl+N")));
+  QAction* open =
+      makeAction("actOpenProject", text("Open Project"), "document-open", QKeySequence(tr("Ctrl+O")));
+  QAction* list = makeAction("actConnList", text("Configure Database Connections"), "network-server", {});
+  // The same keys twice would do nothing at all: opening keeps Ctrl+O, the options have Shift besides.
+  QAction* option =
+      makeAction("actOption", text("Program Options"), "configure", QKeySequence(tr("Ctrl+Shift+O")));
+  QAction* exit = makeAction("actExit", text("Exit"), "application-exit", QKeySequence(tr("Ctrl+Q")));
+  exit->setMenuRole(QAction::QuitRole);
+  recent_ = new QMenu(tr("&Recent Projects"), this);
+  recent_->setObjectName(QStringLiteral("recentMenu"));
+  menu->addAction(create);
+  menu->addAction(open);
+  menu->addMenu(recent_);
+  menu->addSeparator();
+  menu->addAction(list);
+  menu->addAction(option);
+  menu->addSeparator();
+  menu->addAction(exit);
+  for (QAction* action : {create, open, list, option}) toolBar_->addAction(action);
+  connect(create, &QAction::triggered, this, &TfrmMain::newProject);
+  connect(open, &QAction::triggered, this, &TfrmMain::chooseProject);
+  connect(list, &QAction::triggered, this, &TfrmMain::openConnectionList);
+  connect(option, &QAction::triggered, this, &TfrmMain::showOptions);
+  connect(exit, &QAction::triggered, this, &TfrmMain::close);
+  connect(recent_, &QMenu::aboutToShow, this, &TfrmMain::fillRecent);
+}
+
+void TfrmMain::makeEditMenu() { new TEditActions(menuBar()->addMenu(tr("&Edit"))); }
+
+void TfrmMain::makeWindowMenu() {
+  QMenu* menu = menuBar()->addMenu(tr("&Window"));
+  QAction* cascade = makeAction("actCascade", text("&Cascade"), "", {});
+  QAction* arrange = makeAction("actArrange", text("&Arrange"), "", {});
+  QAction* next = makeAction("actNextWindow", tr("&Next"), "go-next", QKeySequence::NextChild);
+  QAction* previous =
+      makeAction("actPreviousWindow", tr("&Previous"), "go-previous", QKeySequence::PreviousChild);
+  QAction* closeIt = makeAction("actCloseWindow", tr("C&lose"), "", QKeySequence::Close);
+  for (QAction* action : {cascade, arrange, next, previous, closeIt}) menu->addAction(action);
+  connect(cascade, &QAction::triggered, area_, &QMdiArea::cascadeSubWindows);
+  connect(arrange, &QAction::triggered, area_, &QMdiArea::tileSubWindows);
+  connect(next, &QAction::triggered, area_, &QMdiArea::activateNextSubWindow);
+  connect(previous, &QAction::triggered, area_, &QMdiArea::activatePreviousSubWindow);
+  connect(closeIt, &QAction::triggered, area_, &QMdiArea::closeActiveSubWindow);
+}
+
+void TfrmMain::makeHelpMenu() {
+  QMenu* menu = menuBar()->addMenu(tr("&Help"));
+  QAction* about = makeAction("actAbout", text("About"), "help-contents", {});
+  about->setMenuRole(QAction::AboutRole);
+  menu->addAction(about);
+  connect(about, &QAction::triggered, this, &TfrmMain::showAbout);
+}
+
+QList<TMdiChild*> TfrmMain::childWindows() const {
+  QList<TMdiChild*> windows;
+  for (const QMdiSubWindow* window : area_->subWindowList())
+    if (TMdiChild* child = childOf(window)) windows << child;
+  return windows;
+}
+
+void TfrmMain::showChild(TMdiChild* child) {
+  child->setObjectName(QStringLiteral("frm%1").arg(++windowNumber_));
+  child->setAttribute(Qt::WA_DeleteOnClose);
+  const bool first = area_->subWindowList().isEmpty();
+  QMdiSubWindow* window = area_->addSubWindow(child);
+  window->setWindowIcon(child->windowIcon());
+  // One window alone has no use for a smaller frame.
+  const bool maximised = first || (area_->activeSubWindow() && area_->activeSubWindow()->isMaximized());
+  connect(child, &QWidget::windowTitleChanged, this, &TfrmMain::updateTabs);
+  connect(child, &TMdiChild::statusChanged, this, &TfrmMain::showStatus);
+  connect(window, &QObject::destroyed, this, &TfrmMain::updateTabs, Qt::QueuedConnection);
+  maximised ? window->showMaximized() : window->show();
+  area_->setActiveSubWindow(window);
+  updateTabs();
+}
+
+void TfrmMain::updateTabs() {
+  const QSignalBlocker quiet(tabs_);
+  const auto windows = area_->subWindowList();
+  while (tabs_->count() > windows.size()) tabs_->removeTab(tabs_->count() - 1);
+  while (tabs_->count() < windows.size()) tabs_->addTab(QString());
+  for (int tab = 0; tab < windows.size(); ++tab) {
+    QString caption = windows[tab]->windowTitle();
+    caption.replace(QStringLiteral("[*]"),
+                    windows[tab]->isWindowModified() ? QStringLiteral("*") : QString());
+    tabs_->setTabText(tab, caption.replace(QLatin1Char('&'), QStringLiteral("&&")));
+    tabs_->setTabToolTip(tab, windows[tab]->windowTitle().remove(QStringLiteral("[*]")));
+    if (windows[tab] == area_->activeSubWindow()) tabs_->setCurrentIndex(tab);
+  }
+  tabs_->setVisible(!windows.isEmpty());
+  showStatus();
+}
+
+void TfrmMain::onActivated(QMdiSubWindow* /*window*/) { updateTabs(); }
+
+void TfrmMain::showStatus() {
+  const TMdiChild* child = childOf(area_->activeSubWindow());
+  const QString status = child ? child->statusText() : QString();
+  statusBar()->showMessage(status.isEmpty() ? text("Ready") : status);
+}
+
+TfrmProject* TfrmMain::findProject(const QString& fileName) const {
+  const QString wanted = QFileInfo(fileName).absoluteFilePath();
+  for (TMdiChild* child : childWindows()) {
+    auto* project = qobject_cast<TfrmProject*>(child);
+    if (!project || project->project().fileName.empty()) continue;
+    const QFileInfo file(QString::fromStdString(project->project().fileName));
+    if (file.absoluteFilePath().compare(wanted, Qt::CaseInsensitive) == 0) return project;
+  }
+  return nullptr;
+}
+
+TfrmProject* TfrmMain::showProject(TProject project) {
+  auto* window = new TfrmProject(context_, std::move(project));
+  connect(window, &TfrmProject::saved, this, &TfrmMain::rememberRecent);
+  showChild(window);
+  return window;
+}
+
+TfrmProject* TfrmMain::openProject(const QString& fileName) {
+  if (TfrmProject* open = findProject(fileName)) {
+    for (QMdiSubWindow* window : area_->subWindowList())
+      if (window->widget() == open) area_->setActiveSubWindow(window);
+    return open;
+  }
+  QApplication::setOverrideCursor(Qt::WaitCursor);
+  std::string fault;
+  TProject project;
+  try {
+    project = TProjectFile(context_.cipher, context_.files).open(fileName.toStdString());
+  } catch (const std::exception& error) {
+    fault = error.what();
+  }
+  QApplication::restoreOverrideCursor();
+  if (!fault.empty()) {
+    context_.prompt.error(fault);
+    return nullptr;
+  }
+  rememberRecent(fileName);
+  return showProject(std::move(project));
+}
+
+TfrmProject* TfrmMain::newProject() {
+  return showProject(hollowmere::newProject(context_.settings, context_.folder));
+}
+
+void TfrmMain::chooseProject() {
+  const QString name = QFileDialog::getOpenFileName(this, text("Open Project"), QString(),
+                                                    tr("Load projects (*.hmp);;All files (*)"));
+  if (!name.isEmpty()) openProject(name);
+}
+
+void TfrmMain::fillRecent() {
+  recent_->clear();
+  try {
+    for (const std::string& file :
+         TRecentProjects(context_.folder.recentProjectsFile(), context_.files).menu()) {
+      const QString name = QString::fromStdString(file);
+      QAction* action =
+          recent_->addAction(themeIcon("document-open"), QString(name).replace('&', QLatin1String("&&")));
+      action->setToolTip(text("Open project file ") + name);
+      connect(action, &QAction::triggered, this, [this, name] { openProject(name); });
+    }
+  } catch (const TFileError& error) {
+    statusBar()->showMessage(QString::fromUtf8(error.what()));
+  }
+  if (recent_->isEmpty()) recent_->addAction(tr("No projects yet"))->setEnabled(false);
+}
+
+void TfrmMain::rememberRecent(const QString& fileName) {
+  try {
+    TRecentProjects(context_.folder.recentProjectsFile(), context_.files)
+        .add(QFileInfo(fileName).absoluteFilePath().toStdString());
+  } catch (const TFileError& error) {
+    statusBar()->showMessage(QString::fromUtf8(error.what()));
+  }
+}
+
+void TfrmMain::openConnectionList() {
+  for (TMdiChild* child : childWindows())
+    if (qobject_cast<TfrmConnList*>(child)) {
+      area_->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(child->parentWidget()));
+      return;
+    }
+  auto* list = new TfrmConnList(context_);
+  connect(list, &TfrmConnList::openConnection, this, &TfrmMain::openDBWindow);
+  showChild(list);
+}
+
+void TfrmMain::openDBWindow(const ConnectionConfig& connection) {
+  const TValue* type = connection.find("dbtype");
+  const std::string name = type && type->is(TKind::Text) ? type->asText() : std::string("this type");
+  context_.prompt.ask(
+      TPromptKind::Information,
+      "There is no browser window for " + name +
+          " databases in this version yet. Connections of this type can be used in load projects "
+          "where the store is supported.",
+      TButtons::Ok);
+}
+
+void TfrmMain::showOptions() { TfrmOption(context_, this).exec(); }
+
+void TfrmMain::showAbout() {
+  QMessageBox::about(this, tr("About Hollowmere"),
+                     tr("<b>Hollowmere %1</b><p>Moves data between databases and JSON files.</p>"
+                        "<p>Free software under the GNU General Public License, version 3 or later.</p>")
+                         .arg(QStringLiteral(HOLLOWMERE_VERSION)));
+}
+
+void TfrmMain::showEvent(QShowEvent* event) {
+  QMainWindow::showEvent(event);
+  if (shown_) return;
+  shown_ = true;
+  if (context_.settings.showConnWindow) openConnectionList();
+}
+
+bool TfrmMain::mayExit() {
+  for (const TMdiChild* child : childWindows())
+    if (const QString refusal = child->exitRefusal(); !refusal.isEmpty()) {
+      context_.prompt.error(refusal.toStdString());
+      return false;
+    }
+  return true;
+}
+
+void TfrmMain::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  if (!mayExit()) return;
+  const auto windows = area_->subWindowList();
+  for (auto window = windows.crbegin(); window != windows.crend(); ++window)
+    if (!(*window)->close()) return;
+  savePlacement(context_.store, placementGroup(), *this);
+  saveSettings(context_.settings, context_.store, context_.prompt);
+  event->accept();
+}
+
+void TfrmMain::dragEnterEvent(QDragEnterEvent* event) {
+  if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+}
+
+void TfrmMain::dropEvent(QDropEvent* event) {
+  for (const QUrl& url : event->mimeData()->urls())
+    if (url.isLocalFile()) openProject(url.toLocalFile());
+}
+
+}  // namespace hollowmere

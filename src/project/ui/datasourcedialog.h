@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QDialog>
+#include <map>
+#include <string>
+
+#include "project/projectmodel.h"
+#include "ui/windowcontext.h"
+
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+
+namespace hollowmere {
+
+/// Configures the query of one data source: the members of its store's query object, and a test that shows
+/// the first rows.
+class TDataSourceDialog : public QDialog {
+  Q_OBJECT
+
+ public:
+  TDataSourceDialog(TWindowContext& context, const TProject& project, const TDataSource& source,
+                    QWidget* parent);
+
+  /// What the fields hold.
+  [[nodiscard]] TValue definition() const;
+
+ private:
+  void makeFields(const TDataSource& source);
+  void bTestClick();
+
+  TWindowContext& context_;
+  const TProject& project_;
+  std::string name_;
+  std::map<std::string, QLineEdit*> lines_;
+  std::map<std::string, QPlainTextEdit*> texts_;
+  QLineEdit* fileName_ = nullptr;
+  QPlainTextEdit* rows_ = nullptr;
+};
+
+}  // namespace hollowmere

@@ -1,0 +1,394 @@
+#include "project/ui/mappingpage.h"
+
+#include <QComboBox>
+#include <QDropEvent>
+#include <QFontDatabase>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QSplitter>
+#include <QStyledItemDelegate>
+#include <QVBoxLayout>
+
+#include "engine/targettype.h"
+#include "json/json.h"
+#include "project/edittexts.h"
+#include "ui/icons.h"
+
+namespace hollowmere {
+
+namespace {
+
+enum TColumn { TargetColumn, SourceColumn, TypeColumn };
+
+QString shown(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+/// Offers what a cell can hold; the source may also be typed.
+class TMappingDelegate : public QStyledItemDelegate {
+ public:
+  explicit TMappingDelegate(TMappingPage& page) : QStyledItemDelegate(&page), page_(page) {}
+
+  QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
+                        const QModelIndex& index) const override {
+    if (index.column() == TargetColumn)
+      return named(QStyledItemDelegate::createEditor(parent, option, index), index);
+    auto* box = new QComboBox(parent);
+    if (index.column() == SourceColumn) {
+      box->setEditable(true);
+      box->addItems(page_.sourceChoices(pathOf(index)));
+    } else {
+      for (const std::string_view type : mapTargetTypes) box->addItem(shown(type));
+    }
+    auto* self = const_cast<TMappingDelegate*>(this);
+    connect(box, &QComboBox::activated, this, [self, box] {
+      Q_EMIT self->commitData(box);
+      Q_EMIT self->closeEditor(box);
+    });
+    return named(box, index);
+  }
+
+  void setEditorData(QWidget* editor, const QModelIndex& index) const override {
+    auto* box = qobject_cast<QComboBox*>(editor);
+    if (!box) return QStyledItemDelegate::setEditorData(editor, index);
+    const QString value = index.data().toString();
+    if (box->isEditable())
+      box->setEditText(value);
+    else
+      box->setCurrentText(value);
+  }
+
+  void setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const override {
+    auto* box = qobject_cast<QComboBox*>(editor);
+    if (!box) return QStyledItemDelegate::setModelData(editor, model, index);
+    model->setData(index, box->currentText());
+  }
+
+ private:
+  static TNodePath pathOf(const QModelIndex& index) {
+    TNodePath path;
+    for (QModelIndex at = index; at.isValid(); at = at.parent())
+      path.insert(path.begin(), static_cast<std::size_t>(at.row()));
+    return path;
+  }
+
+  static QWidget* named(QWidget* editor, const QModelIndex& index) {
+    editor->setAccessibleName(index.model()->headerData(index.column(), Qt::Horizontal).toString());
+    return editor;
+  }
+
+  TMappingPage& page_;
+};
+
+QPlainTextEdit* makeView(QWidget* parent, const char* name, const QString& caption) {
+  auto* view = new QPlainTextEdit(parent);
+  view->setObjectName(QLatin1String(name));
+  view->setAccessibleName(caption);
+  view->setReadOnly(true);
+  view->setTabChangesFocus(true);
+  view->setLineWrapMode(QPlainTextEdit::NoWrap);
+  view->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+  return view;
+}
+
+/// A row's text as JSON that people can read; as it is when it is none.
+QString readable(const std::string& text) {
+  try {
+    return QString::fromStdString(toPrettyJson(parseJson(text)));
+  } catch (const TJsonError&) {
+    return QString::fromStdString(text);
+  }
+}
+
+}  // namespace
+
+TMappingTree::TMappingTree(QWidget* parent) : QTreeWidget(parent) {
+  setObjectName(QStringLiteral("tlMapping"));
+  setAccessibleName(tr("Mapping"));
+  setHeaderLabels({text("Target Object/Attribute"), text("Source Object/Attribute"), text("Target Type")});
+  setDragDropMode(QAbstractItemView::InternalMove);
+  setUniformRowHeights(true);
+  setAlternatingRowColors(true);
+  setEditTriggers(DoubleClicked | SelectedClicked | EditKeyPressed);
+  setAllColumnsShowFocus(false);
+}
+
+TNodePath TMappingTree::pathOf(const QTreeWidgetItem* item) {
+  TNodePath path;
+  for (; item; item = item->parent()) {
+    const QTreeWidgetItem* parent = item->parent();
+    const int place = parent ? parent->indexOfChild(const_cast<QTreeWidgetItem*>(item))
+                             : item->treeWidget()->indexOfTopLevelItem(const_cast<QTreeWidgetItem*>(item));
+    path.insert(path.begin(), static_cast<std::size_t>(place));
+  }
+  return path;
+}
+
+QTreeWidgetItem* TMappingTree::itemAt(const TNodePath& path) const {
+  QTreeWidgetItem* item = nullptr;
+  for (const std::size_t place : path) {
+    item = item ? item->child(static_cast<int>(place)) : topLevelItem(static_cast<int>(place));
+    if (!item) return nullptr;
+  }
+  return item;
+}
+
+/// Only tells what is wanted: the editor decides, and the tree is filled anew.
+void TMappingTree::dropEvent(QDropEvent* event) {
+  QTreeWidgetItem* onto = QTreeWidget::itemAt(event->position().toPoint());
+  QTreeWidgetItem* dragged = currentItem();
+  event->setDropAction(Qt::IgnoreAction);
+  event->accept();
+  if (!onto || !dragged || onto == dragged) return;
+  TNodePath to = pathOf(onto);
+  if (dropIndicatorPosition() == QAbstractItemView::OnItem)
+    to.push_back(static_cast<std::size_t>(onto->childCount()));
+  else if (dropIndicatorPosition() == QAbstractItemView::BelowItem)
+    ++to.back();
+  Q_EMIT moved(pathOf(dragged), to);
+}
+
+TMappingPage::TMappingPage(TWindowContext& context, TProjectEditor& editor, QWidget* parent)
+    : QWidget(parent), context_(context), editor_(editor), preview_(context, this) {
+  auto* layout = new QVBoxLayout(this);
+  buttons_ = new QHBoxLayout;
+  makeButtons();
+  layout->addLayout(buttons_);
+  splitter_ = new QSplitter(this);
+  splitter_->setObjectName(QStringLiteral("mappingSplitter"));
+  layout->addWidget(splitter_, 1);
+  tree_ = new TMappingTree(splitter_);
+  tree_->setItemDelegate(new TMappingDelegate(*this));
+  connect(tree_, &QTreeWidget::itemChanged, this, &TMappingPage::onChanged);
+  connect(tree_, &QTreeWidget::currentItemChanged, this, [this] {
+    const TNodePath at = path();
+    if (!filling_ && !at.empty() && at.front() != previewRoot_) requestPreview();
+  });
+  connect(tree_, &TMappingTree::moved, this,
+          [this](const TNodePath& from, const TNodePath& to) { act(editor_.moveNode(from, to)); });
+  makePreview();
+  connect(&preview_, &TPreviewJob::finished, this, &TMappingPage::onPreview);
+  connect(&preview_, &TPreviewJob::started, this,
+          [this] { fault_->setText(tr("Reading the first rows...")); });
+  rebuild();
+}
+
+QPushButton* TMappingPage::addButton(const char* name, const QString& caption, const char* icon,
+                                     void (TMappingPage::*click)()) {
+  auto* button = new QPushButton(themeIcon(icon), caption, this);
+  button->setObjectName(QLatin1String(name));
+  button->setAutoDefault(false);
+  buttons_->addWidget(button);
+  connect(button, &QPushButton::clicked, this, click);
+  return button;
+}
+
+void TMappingPage::makeButtons() {
+  addButton("bAddMapTarget", tr("Add &Target"), "list-add", &TMappingPage::bAddMapTargetClick);
+  addButton("bAddAttrMap", tr("Add &Attribute"), "list-add", &TMappingPage::bAddAttrMapClick);
+  addButton("bAddAllFields", tr("Add All &Fields"), "view-list-text", &TMappingPage::bAddAllClick);
+  addButton("bDelMap", tr("&Delete"), "list-remove", &TMappingPage::bDelMapClick);
+  addButton("bUpMap", tr("&Up"), "go-up", &TMappingPage::bUpMapClick);
+  addButton("bDownMap", tr("Do&wn"), "go-down", &TMappingPage::bDownMapClick);
+  addButton("bClearMap", tr("C&lear"), "edit-clear", &TMappingPage::bClearMapClick);
+  buttons_->addStretch();
+  find_ = new QLineEdit(this);
+  find_->setObjectName(QStringLiteral("eFindMap"));
+  find_->setPlaceholderText(tr("Find"));
+  find_->setAccessibleName(tr("Find in the mapping"));
+  find_->setClearButtonEnabled(true);
+  buttons_->addWidget(find_);
+  connect(find_, &QLineEdit::returnPressed, this, &TMappingPage::onFind);
+}
+
+void TMappingPage::makePreview() {
+  auto* panel = new QWidget(splitter_);
+  auto* layout = new QVBoxLayout(panel);
+  layout->setContentsMargins(0, 0, 0, 0);
+  auto* bar = new QHBoxLayout;
+  layout->addLayout(bar);
+  position_ = new QLabel(panel);
+  position_->setObjectName(QStringLiteral("lPreviewRow"));
+  bar->addWidget(position_, 1);
+  previous_ = new QPushButton(themeIcon("go-previous"), tr("P&revious Row"), panel);
+  previous_->setObjectName(QStringLiteral("bPreviousRow"));
+  next_ = new QPushButton(themeIcon("go-next"), tr("&Next Row"), panel);
+  next_->setObjectName(QStringLiteral("bNextRow"));
+  bar->addWidget(previous_);
+  bar->addWidget(next_);
+  connect(previous_, &QPushButton::clicked, this, [this] { showRow(row_ - 1); });
+  connect(next_, &QPushButton::clicked, this, [this] { showRow(row_ + 1); });
+  auto* views = new QSplitter(panel);
+  views->setObjectName(QStringLiteral("previewSplitter"));
+  rowText_ = makeView(views, "mPreviewRow", tr("Source row"));
+  document_ = makeView(views, "mPreviewDocument", tr("Resulting document"));
+  layout->addWidget(views, 1);
+  fault_ = new QLabel(panel);
+  fault_->setObjectName(QStringLiteral("lPreviewFault"));
+  fault_->setWordWrap(true);
+  fault_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  layout->addWidget(fault_);
+  // Half and half; the splitter brings them down to its width.
+  splitter_->setSizes({10000, 10000});
+}
+
+void TMappingPage::fill(QTreeWidgetItem* parent, const std::vector<TMapNode>& nodes) {
+  for (const TMapNode& node : nodes) {
+    const QStringList cells{QString::fromStdString(node.target), QString::fromStdString(node.source),
+                            QString::fromStdString(node.targetType)};
+    auto* item = parent ? new QTreeWidgetItem(parent, cells) : new QTreeWidgetItem(tree_, cells);
+    item->setFlags(item->flags() | Qt::ItemIsEditable);
+    fill(item, node.children);
+  }
+}
+
+void TMappingPage::rebuild() {
+  filling_ = true;
+  const bool first = tree_->topLevelItemCount() == 0;
+  tree_->clear();
+  fill(nullptr, editor_.project().mapping);
+  tree_->expandAll();
+  if (first)
+    for (int column : {TargetColumn, SourceColumn}) tree_->resizeColumnToContents(column);
+  if (QTreeWidgetItem* item = tree_->itemAt(editor_.current())) tree_->setCurrentItem(item);
+  filling_ = false;
+}
+
+void TMappingPage::refresh() {
+  rebuild();
+  requestPreview();
+}
+
+/// After a change: shows it, or says why it was not made.
+void TMappingPage::act(const std::string& refusal) {
+  refresh();
+  if (refusal.empty())
+    Q_EMIT edited();
+  else
+    Q_EMIT refused(text(refusal));
+}
+
+TNodePath TMappingPage::path() const {
+  return tree_->currentItem() ? TMappingTree::pathOf(tree_->currentItem()) : TNodePath();
+}
+
+QStringList TMappingPage::sourceChoices(const TNodePath& path) const {
+  QStringList choices;
+  const TMapNode* node = nodeAt(editor_.project().mapping, path);
+  const auto type = node ? targetTypeFromText(node->targetType) : std::nullopt;
+  if (path.size() == 1 || (type && isDataSource(*type))) {
+    for (const TDataSource& source : editor_.project().dataSources)
+      choices << QString::fromStdString(source.name);
+    return choices;
+  }
+  if (path.empty() || path.front() != previewRoot_) return choices;
+  const auto found = result_.fields.find(TNodePath(path.begin() + 1, path.end() - 1));
+  if (found == result_.fields.end()) return choices;
+  for (const std::string& field : found->second) choices << QString::fromStdString(field);
+  return choices;
+}
+
+void TMappingPage::bAddMapTargetClick() { act(editor_.addRoot()); }
+
+void TMappingPage::bAddAttrMapClick() {
+  // Beside an attribute, below a target or a data source.
+  TNodePath parent = path();
+  const TMapNode* node = nodeAt(editor_.project().mapping, parent);
+  const auto type = node ? targetTypeFromText(node->targetType) : std::nullopt;
+  if (parent.size() > 1 && !(type && isDataSource(*type))) parent.pop_back();
+  act(editor_.addAttribute(parent));
+  if (QTreeWidgetItem* item = tree_->currentItem()) tree_->editItem(item, SourceColumn);
+}
+
+void TMappingPage::bAddAllClick() {
+  TNodePath parent = path();
+  if (parent.empty() && !editor_.project().mapping.empty()) parent = {0};
+  while (parent.size() > 1 && !result_.fields.contains(TNodePath(parent.begin() + 1, parent.end())))
+    parent.pop_back();
+  std::vector<std::string> fields;
+  if (!parent.empty() && parent.front() == previewRoot_)
+    for (const std::string& field : result_.fields[TNodePath(parent.begin() + 1, parent.end())])
+      if (field.find('.') == std::string::npos) fields.push_back(field);
+  if (!parent.empty() && fields.empty()) {
+    Q_EMIT refused(tr("No fields of this data source are known yet: the preview beside the tree tells why."));
+    return;
+  }
+  act(editor_.addFields(parent, fields));
+}
+
+void TMappingPage::bDelMapClick() { act(editor_.deleteNode(path())); }
+
+void TMappingPage::bUpMapClick() {
+  editor_.moveUp(path());
+  act({});
+}
+
+void TMappingPage::bDownMapClick() {
+  editor_.moveDown(path());
+  act({});
+}
+
+void TMappingPage::bClearMapClick() {
+  editor_.clearMapping();
+  act({});
+}
+
+void TMappingPage::onChanged(QTreeWidgetItem* item, int column) {
+  if (filling_) return;
+  const TNodePath at = TMappingTree::pathOf(item);
+  const std::string given = item->text(column).toStdString();
+  std::string refusal;
+  if (column == TargetColumn) refusal = editor_.setTarget(at, given);
+  if (column == SourceColumn) refusal = editor_.setSource(at, given);
+  if (column == TypeColumn) refusal = editor_.setType(at, given);
+  // An attribute without a name of its own takes that of its field.
+  if (column == SourceColumn && refusal.empty() && at.size() > 1) {
+    const TMapNode* node = nodeAt(editor_.project().mapping, at);
+    if (node && node->target == "Attribute" + std::to_string(at.back() + 1)) editor_.setTarget(at, given);
+  }
+  // The editor of the cell is still open: the tree is filled anew after it.
+  QMetaObject::invokeMethod(
+      this, [this, refusal] { act(refusal); }, Qt::QueuedConnection);
+}
+
+void TMappingPage::onFind() {
+  const TNodePath found = findNode(editor_.project().mapping, find_->text().toStdString(), path());
+  if (QTreeWidgetItem* item = found.empty() ? nullptr : tree_->itemAt(found)) tree_->setCurrentItem(item);
+}
+
+void TMappingPage::requestPreview() {
+  const TNodePath at = path();
+  preview_.request(editor_.project(), at.empty() ? 0 : at.front());
+}
+
+void TMappingPage::onPreview(std::size_t root, const TPreviewResult& result) {
+  previewRoot_ = root;
+  result_ = result;
+  showRow(row_);
+}
+
+void TMappingPage::showRow(int row) {
+  const int count = static_cast<int>(result_.rows.size());
+  row_ = std::clamp(row, 0, std::max(0, count - 1));
+  previous_->setEnabled(row_ > 0);
+  next_->setEnabled(row_ + 1 < count);
+  fault_->setText(QString::fromStdString(result_.error));
+  if (count == 0) {
+    position_->setText(tr("No rows"));
+    rowText_->clear();
+    document_->clear();
+    return;
+  }
+  const TPreviewRow& shownRow = result_.rows[static_cast<std::size_t>(row_)];
+  position_->setText(tr("Row %1 of the first %2").arg(row_ + 1).arg(count));
+  rowText_->setPlainText(readable(shownRow.rowText));
+  document_->setPlainText(shownRow.error.empty() ? QString::fromStdString(toPrettyJson(shownRow.document))
+                                                 : QString());
+  if (!shownRow.error.empty()) fault_->setText(QString::fromStdString(shownRow.error));
+}
+
+}  // namespace hollowmere

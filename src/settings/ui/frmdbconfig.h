@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QDialog>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "settings/ui/connectiontester.h"
+#include "ui/windowcontext.h"
+
+class QLabel;
+class QPushButton;
+class QSplitter;
+class QTabWidget;
+class QTextEdit;
+
+namespace hollowmere {
+
+class TConnectionPage;
+
+/// The connection dialog: a page for each type of database, a help panel, and a test of the connection.
+/// Modal; connection() is its result.
+class TfrmDBConfig : public QDialog {
+  Q_OBJECT
+
+ public:
+  explicit TfrmDBConfig(TWindowContext& context, QWidget* parent = nullptr);
+
+  /// Leaves only the pages of those types. Without this call all are there.
+  void loadAllowedDataSourceTypes(const std::vector<std::string_view>& dbTypes);
+  /// Shows an existing record on the page of its type. False for a type without a page.
+  bool setConnection(const ConnectionConfig& record);
+  /// What OK made; nothing before that, and after Cancel.
+  [[nodiscard]] const std::optional<ConnectionConfig>& connection() const { return connection_; }
+  /// For tests: how long the store has to answer.
+  TConnectionTester& tester() { return tester_; }
+
+  void accept() override;
+  void done(int result) override;
+
+ private:
+  void makePages();
+  QWidget* makeHelp();
+  QWidget* makeTestRow();
+  [[nodiscard]] TConnectionPage* page() const;
+  std::optional<ConnectionConfig> readPage();
+  void onPage();
+  void bTestConnectionClick();
+  void onTested(bool reached, const QString& message);
+  void showResult(const QString& message);
+
+  TWindowContext& context_;
+  TConnectionTester tester_;
+  QTabWidget* pages_;
+  QSplitter* splitter_;
+  QTextEdit* help_ = nullptr;
+  QPushButton* bTest_ = nullptr;
+  QLabel* result_ = nullptr;
+  std::vector<TConnectionPage*> all_;
+  std::optional<ConnectionConfig> connection_;
+};
+
+}  // namespace hollowmere

@@ -1,0 +1,9 @@
+#include "ui/windowcontext.h"
+
+#include <QCoreApplication>
+
+namespace hollowmere {
+
+QString text(const char* english) { return QCoreApplication::translate("Messages", english); }
+
+}  // namespace hollowmere
