@@ -47,7 +47,15 @@ class TLoadBench {
   void targetFile() { project.target = {"JSON File", folder.file("out.json")}; }
 
   TRunControl& open(bool batch) {
-    return control.emplace(project, TRunServices{stores, prompt, mainThread, clock, dates, 1000}, batch);
+    TRunServices services{.stores = stores,
+                          .prompt = prompt,
+                          .mainThread = mainThread,
+                          .clock = clock,
+                          .dates = dates,
+                          .bufferBytes = 1000,
+                          .background = [](const auto& call, TStopFlag&) { call(); },
+                          .logged = {}};
+    return control.emplace(project, std::move(services), batch);
   }
 
   /// Starts and runs to the end; atTick is called at every tick. Gives the exit code.
