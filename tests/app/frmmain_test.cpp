@@ -95,6 +95,14 @@ TEST_F(MainWindow, ThirtyWindowsOpenAndClose) {
   EXPECT_TRUE(window.childWindows().isEmpty());
 }
 
+TEST_F(MainWindow, EndsWithItsWindowsOpen) {
+  // As when the session ends: nobody closes the windows first.
+  TfrmMain window(context);
+  window.show();
+  trigger(window, "actNewProject");
+  window.openConnectionList();
+}
+
 TEST_F(MainWindow, TheConnectionListIsOneAndOpensNoBrowserYet) {
   settings.showConnWindow = true;
   TfrmMain window(context);

@@ -81,7 +81,12 @@ TfrmMain::TfrmMain(TWindowContext& context) : context_(context) {
   updateTabs();
 }
 
-TfrmMain::~TfrmMain() { context_.offerToKeep = {}; }
+TfrmMain::~TfrmMain() {
+  context_.offerToKeep = {};
+  // What is left in the area tells of its end while half of this window is gone already.
+  area_->disconnect(this);
+  for (TMdiChild* child : childWindows()) child->disconnect(this);
+}
 
 QAction* TfrmMain::makeAction(const char* name, const QString& caption, const char* icon,
                               const QKeySequence& keys) {
