@@ -12,59 +12,95 @@
 
 namespace hollowmere {
 
-namespace {
+TListPage::TListPage(const char* gridName, const QString& caption, const QStringList& columns,
+                     QWidget* parent)
+    : QWidget(parent) {
+  auto* layout = new QVBoxLayout(this);
+  buttons_ = new QHBoxLayout;
+  buttons_->addStretch();
+  layout->addLayout(buttons_);
+  grid_ = new QTableWidget(0, static_cast<int>(columns.size()), this);
+  grid_->setObjectName(QLatin1String(gridName));
+  grid_->setAccessibleName(caption);
+  grid_->setHorizontalHeaderLabels(columns);
+  grid_->setSelectionBehavior(QAbstractItemView::SelectRows);
+  grid_->setSelectionMode(QAbstractItemView::SingleSelection);
+  grid_->setTabKeyNavigation(false);
+  grid_->horizontalHeader()->setStretchLastSection(true);
+  grid_->verticalHeader()->hide();
+  layout->addWidget(grid_);
+  connect(grid_, &QTableWidget::itemChanged, this, [this](QTableWidgetItem* item) {
+    if (!filling_) onChanged(item);
+  });
+}
 
-QPushButton* addButton(QWidget* page, QHBoxLayout* row, const char* name, const QString& caption,
-                       const char* icon) {
-  auto* button = new QPushButton(themeIcon(icon), caption, page);
+QPushButton* TListPage::addButton(const char* name, const QString& caption, const char* icon) {
+  auto* button = new QPushButton(themeIcon(icon), caption, this);
   button->setObjectName(QLatin1String(name));
   button->setAutoDefault(false);
-  row->addWidget(button);
+  buttons_->insertWidget(buttons_->count() - 1, button);
+  // The buttons come before the grid, which was made first.
+  setTabOrder(button, grid_);
   return button;
 }
 
-QTableWidget* makeGrid(QWidget* page, const char* name, const QStringList& captions) {
-  auto* grid = new QTableWidget(0, static_cast<int>(captions.size()), page);
-  grid->setObjectName(QLatin1String(name));
-  grid->setHorizontalHeaderLabels(captions);
-  grid->setSelectionBehavior(QAbstractItemView::SelectRows);
-  grid->setSelectionMode(QAbstractItemView::SingleSelection);
-  grid->setTabKeyNavigation(false);
-  grid->horizontalHeader()->setStretchLastSection(true);
-  grid->verticalHeader()->hide();
-  return grid;
+void TListPage::finish(const std::string& refusal) {
+  refresh();
+  if (refusal.empty())
+    Q_EMIT edited();
+  else
+    Q_EMIT refused(text(refusal));
 }
 
-void setCell(QTableWidget* grid, int row, int column, const QString& text, bool editable = true) {
+void TListPage::finishLater(const std::string& refusal) {
+  QMetaObject::invokeMethod(
+      this, [this, refusal] { finish(refusal); }, Qt::QueuedConnection);
+}
+
+void TListPage::finishAdding(const std::string& refusal) {
+  finish(refusal);
+  if (!refusal.empty() || grid_->rowCount() == 0) return;
+  grid_->setCurrentCell(grid_->rowCount() - 1, 0);
+  grid_->setFocus();
+}
+
+void TListPage::beginFill(std::size_t rows) {
+  filling_ = true;
+  rowBefore_ = grid_->currentRow();
+  grid_->setRowCount(static_cast<int>(rows));
+}
+
+void TListPage::setCell(int row, int column, const QString& text, bool editable) {
   auto* item = new QTableWidgetItem(text);
   if (!editable) item->setFlags(item->flags() & ~Qt::ItemIsEditable);
-  grid->setItem(row, column, item);
+  grid_->setItem(row, column, item);
 }
 
-void keepRow(QTableWidget* grid, int row) {
-  if (grid->rowCount() > 0) grid->setCurrentCell(std::clamp(row, 0, grid->rowCount() - 1), 0);
+void TListPage::endFill() {
+  grid_->resizeColumnToContents(0);
+  if (grid_->rowCount() > 0) grid_->setCurrentCell(std::clamp(rowBefore_, 0, grid_->rowCount() - 1), 0);
+  filling_ = false;
 }
 
-}  // namespace
+std::optional<std::size_t> TListPage::currentRow() const {
+  if (grid_->currentRow() < 0) return std::nullopt;
+  return static_cast<std::size_t>(grid_->currentRow());
+}
 
 TDataSourcesPage::TDataSourcesPage(TWindowContext& context, TProjectEditor& editor, QWidget* parent)
-    : QWidget(parent), context_(context), editor_(editor) {
-  auto* layout = new QVBoxLayout(this);
-  auto* buttons = new QHBoxLayout;
-  connect(addButton(this, buttons, "bAddDS", tr("&Add"), "list-add"), &QPushButton::clicked, this,
-          &TDataSourcesPage::bAddDSClick);
-  connect(addButton(this, buttons, "bEditDS", tr("Confi&gure..."), "document-edit"), &QPushButton::clicked,
-          this, &TDataSourcesPage::bEditDSClick);
-  connect(addButton(this, buttons, "bDelDS", tr("&Delete"), "list-remove"), &QPushButton::clicked, this,
-          &TDataSourcesPage::bDelDSClick);
-  connect(addButton(this, buttons, "bClearDS", tr("C&lear"), "edit-clear"), &QPushButton::clicked, this,
+    : TListPage("gDataSources", tr("Data sources"), {tr("Data Source Name"), tr("Data Source")}, parent),
+      context_(context),
+      editor_(editor) {
+  connect(addButton("bAddDS", tr("&Add"), "list-add"), &QPushButton::clicked, this,
+          [this] { finishAdding(editor_.addDataSource()); });
+  connect(addButton("bEditDS", tr("Confi&gure..."), "document-edit"), &QPushButton::clicked, this,
+          &TDataSourcesPage::bEditDSClick);
+  connect(addButton("bDelDS", tr("&Delete"), "list-remove"), &QPushButton::clicked, this, [this] {
+    if (const auto row = currentRow()) editor_.deleteDataSource(*row);
+    finish({});
+  });
+  connect(addButton("bClearDS", tr("C&lear"), "edit-clear"), &QPushButton::clicked, this,
           &TDataSourcesPage::bClearDSClick);
-  buttons->addStretch();
-  layout->addLayout(buttons);
-  grid_ = makeGrid(this, "gDataSources", {tr("Data Source Name"), tr("Data Source")});
-  grid_->setAccessibleName(tr("Data sources"));
-  layout->addWidget(grid_);
-  connect(grid_, &QTableWidget::itemChanged, this, &TDataSourcesPage::onChanged);
   connect(grid_, &QTableWidget::cellDoubleClicked, this, [this](int, int column) {
     if (column == 1) bEditDSClick();
   });
@@ -72,151 +108,74 @@ TDataSourcesPage::TDataSourcesPage(TWindowContext& context, TProjectEditor& edit
 }
 
 void TDataSourcesPage::refresh() {
-  filling_ = true;
-  const int row = grid_->currentRow();
   const auto& sources = editor_.project().dataSources;
-  grid_->setRowCount(static_cast<int>(sources.size()));
-  for (int i = 0; i < grid_->rowCount(); ++i) {
-    const TDataSource& source = sources[static_cast<std::size_t>(i)];
-    setCell(grid_, i, 0, QString::fromStdString(source.name));
-    setCell(grid_, i, 1, QString::fromStdString(definitionSummary(source.definition)), false);
+  beginFill(sources.size());
+  for (int row = 0; row < grid_->rowCount(); ++row) {
+    const TDataSource& source = sources[static_cast<std::size_t>(row)];
+    setCell(row, 0, QString::fromStdString(source.name));
+    setCell(row, 1, QString::fromStdString(definitionSummary(source.definition)), false);
   }
-  grid_->resizeColumnToContents(0);
-  keepRow(grid_, row);
-  filling_ = false;
+  endFill();
 }
 
 void TDataSourcesPage::onChanged(QTableWidgetItem* item) {
-  if (filling_) return;
-  const std::string refusal =
-      editor_.renameDataSource(static_cast<std::size_t>(item->row()), item->text().toStdString());
-  // The cell goes back to what the project holds before the message: its dialog lets events run.
-  QMetaObject::invokeMethod(
-      this,
-      [this, refusal] {
-        refresh();
-        if (refusal.empty())
-          Q_EMIT edited();
-        else
-          Q_EMIT refused(text(refusal));
-      },
-      Qt::QueuedConnection);
-}
-
-void TDataSourcesPage::bAddDSClick() {
-  if (const std::string refusal = editor_.addDataSource(); !refusal.empty()) {
-    Q_EMIT refused(text(refusal));
-    return;
-  }
-  refresh();
-  keepRow(grid_, grid_->rowCount() - 1);
-  grid_->setFocus();
-  Q_EMIT edited();
+  finishLater(editor_.renameDataSource(static_cast<std::size_t>(item->row()), item->text().toStdString()));
 }
 
 void TDataSourcesPage::bEditDSClick() {
-  const int row = grid_->currentRow();
-  if (row < 0) return;
-  const auto place = static_cast<std::size_t>(row);
+  const auto row = currentRow();
+  if (!row) return;
   const TProject& project = editor_.project();
-  TDataSourceDialog dialog(context_, project, project.dataSources[place], this);
+  TDataSourceDialog dialog(context_, project, project.dataSources[*row], this);
   if (dialog.exec() != QDialog::Accepted) return;
-  editor_.setDefinition(place, dialog.definition());
-  refresh();
-  Q_EMIT edited();
-}
-
-void TDataSourcesPage::bDelDSClick() {
-  if (grid_->currentRow() < 0) return;
-  editor_.deleteDataSource(static_cast<std::size_t>(grid_->currentRow()));
-  refresh();
-  Q_EMIT edited();
+  editor_.setDefinition(*row, dialog.definition());
+  finish({});
 }
 
 void TDataSourcesPage::bClearDSClick() {
   if (!editor_.asksToClearDataSources() || !context_.prompt.confirm(edittexts::clearSources)) return;
   editor_.clearDataSources();
-  refresh();
-  Q_EMIT edited();
+  finish({});
 }
 
 TDataTargetsPage::TDataTargetsPage(TProjectEditor& editor, QWidget* parent)
-    : QWidget(parent), editor_(editor) {
-  auto* layout = new QVBoxLayout(this);
-  auto* buttons = new QHBoxLayout;
-  connect(addButton(this, buttons, "bAddTarget", tr("&Add"), "list-add"), &QPushButton::clicked, this,
-          &TDataTargetsPage::bAddTargetClick);
-  connect(addButton(this, buttons, "bDelTarget", tr("&Delete"), "list-remove"), &QPushButton::clicked, this,
-          &TDataTargetsPage::bDelTargetClick);
-  connect(addButton(this, buttons, "bClearTarget", tr("C&lear"), "edit-clear"), &QPushButton::clicked, this,
-          [this] {
-            editor_.clearDataTargets();
-            refresh();
-            Q_EMIT edited();
-          });
-  buttons->addStretch();
-  layout->addLayout(buttons);
-  grid_ = makeGrid(this, "gDataTargets",
-                   {text("Data Target Name"), text("Target Object"), text("Bucket SASL Password")});
-  grid_->setAccessibleName(tr("Data targets"));
-  layout->addWidget(grid_);
-  connect(grid_, &QTableWidget::itemChanged, this, &TDataTargetsPage::onChanged);
+    : TListPage("gDataTargets", tr("Data targets"),
+                {text("Data Target Name"), text("Target Object"), text("Bucket SASL Password")}, parent),
+      editor_(editor) {
+  connect(addButton("bAddTarget", tr("&Add"), "list-add"), &QPushButton::clicked, this,
+          [this] { finishAdding(editor_.addDataTarget()); });
+  connect(addButton("bDelTarget", tr("&Delete"), "list-remove"), &QPushButton::clicked, this, [this] {
+    if (const auto row = currentRow()) editor_.deleteDataTarget(*row);
+    finish({});
+  });
+  connect(addButton("bClearTarget", tr("C&lear"), "edit-clear"), &QPushButton::clicked, this, [this] {
+    editor_.clearDataTargets();
+    finish({});
+  });
   refresh();
 }
 
 void TDataTargetsPage::refresh() {
-  filling_ = true;
-  const int row = grid_->currentRow();
   const TProject& project = editor_.project();
   grid_->setColumnHidden(2, project.target.dbType != dbtype::couchbase);
-  grid_->setRowCount(static_cast<int>(project.dataTargets.size()));
-  for (int i = 0; i < grid_->rowCount(); ++i) {
-    const TDataTarget& target = project.dataTargets[static_cast<std::size_t>(i)];
-    setCell(grid_, i, 0, QString::fromStdString(target.name));
-    setCell(grid_, i, 1, QString::fromStdString(target.target));
-    setCell(grid_, i, 2, target.saslPwd.empty() ? QString() : QStringLiteral("********"));
+  beginFill(project.dataTargets.size());
+  for (int row = 0; row < grid_->rowCount(); ++row) {
+    const TDataTarget& target = project.dataTargets[static_cast<std::size_t>(row)];
+    setCell(row, 0, QString::fromStdString(target.name));
+    setCell(row, 1, QString::fromStdString(target.target));
+    setCell(row, 2, target.saslPwd.empty() ? QString() : QStringLiteral("********"));
   }
-  grid_->resizeColumnToContents(0);
-  keepRow(grid_, row);
-  filling_ = false;
+  endFill();
 }
 
 void TDataTargetsPage::onChanged(QTableWidgetItem* item) {
-  if (filling_) return;
   const auto row = static_cast<std::size_t>(item->row());
   const std::string given = item->text().toStdString();
   std::string refusal;
   if (item->column() == 0) refusal = editor_.renameDataTarget(row, given);
   if (item->column() == 1) refusal = editor_.setTargetObject(row, given);
   if (item->column() == 2) editor_.setSaslPwd(row, given);
-  QMetaObject::invokeMethod(
-      this,
-      [this, refusal] {
-        refresh();
-        if (refusal.empty())
-          Q_EMIT edited();
-        else
-          Q_EMIT refused(text(refusal));
-      },
-      Qt::QueuedConnection);
-}
-
-void TDataTargetsPage::bAddTargetClick() {
-  if (const std::string refusal = editor_.addDataTarget(); !refusal.empty()) {
-    Q_EMIT refused(text(refusal));
-    return;
-  }
-  refresh();
-  keepRow(grid_, grid_->rowCount() - 1);
-  grid_->setFocus();
-  Q_EMIT edited();
-}
-
-void TDataTargetsPage::bDelTargetClick() {
-  if (grid_->currentRow() < 0) return;
-  editor_.deleteDataTarget(static_cast<std::size_t>(grid_->currentRow()));
-  refresh();
-  Q_EMIT edited();
+  finishLater(refusal);
 }
 
 }  // namespace hollowmere

@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSettings>
 #include <QSplitter>
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
@@ -17,12 +18,18 @@
 #include "json/json.h"
 #include "project/edittexts.h"
 #include "ui/icons.h"
+#include "ui/placement.h"
 
 namespace hollowmere {
 
 namespace {
 
 enum TColumn { TargetColumn, SourceColumn, TypeColumn };
+
+const QString& placementGroup() {
+  static const QString group = QStringLiteral("project");
+  return group;
+}
 
 QString shown(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
@@ -171,10 +178,17 @@ TMappingPage::TMappingPage(TWindowContext& context, TProjectEditor& editor, QWid
   connect(tree_, &TMappingTree::moved, this,
           [this](const TNodePath& from, const TNodePath& to) { act(editor_.moveNode(from, to)); });
   makePreview();
+  restoreState(context_.store, placementGroup(), *splitter_);
+  restoreState(context_.store, placementGroup(), *tree_->header(), tree_->objectName());
   connect(&preview_, &TPreviewJob::finished, this, &TMappingPage::onPreview);
   connect(&preview_, &TPreviewJob::started, this,
           [this] { fault_->setText(tr("Reading the first rows...")); });
   rebuild();
+}
+
+TMappingPage::~TMappingPage() {
+  saveState(context_.store, placementGroup(), *splitter_);
+  saveState(context_.store, placementGroup(), *tree_->header(), tree_->objectName());
 }
 
 QPushButton* TMappingPage::addButton(const char* name, const QString& caption, const char* icon,
@@ -248,7 +262,8 @@ void TMappingPage::fill(QTreeWidgetItem* parent, const std::vector<TMapNode>& no
 
 void TMappingPage::rebuild() {
   filling_ = true;
-  const bool first = tree_->topLevelItemCount() == 0;
+  const bool first = tree_->topLevelItemCount() == 0 &&
+                     !context_.store.contains(placementGroup() + QLatin1Char('/') + tree_->objectName());
   tree_->clear();
   fill(nullptr, editor_.project().mapping);
   tree_->expandAll();

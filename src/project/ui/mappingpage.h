@@ -39,6 +39,7 @@ class TMappingPage : public QWidget {
 
  public:
   TMappingPage(TWindowContext& context, TProjectEditor& editor, QWidget* parent);
+  ~TMappingPage() override;
 
   /// Shows the project as it is now and reads a new preview.
   void refresh();
