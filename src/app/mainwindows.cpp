@@ -44,7 +44,6 @@ void openOutside(const QString& target) {
 int runWindows(int argc, char** argv, const std::string& projectFile) {
   TMessagePrompt prompt;
   TApplication application(argc, argv, prompt);
-  QApplication::setApplicationDisplayName(QStringLiteral("Hollowmere"));
   QApplication::setDesktopFileName(QStringLiteral("hollowmere"));
   try {
     TProgram program(prompt);
