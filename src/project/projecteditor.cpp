@@ -69,6 +69,8 @@ void TProjectEditor::beginChange() {
 }
 
 void TProjectEditor::restore(TState state) {
+  project_.source = std::move(state.source);
+  project_.target = std::move(state.target);
   project_.dataSources = std::move(state.dataSources);
   project_.dataTargets = std::move(state.dataTargets);
   project_.mapping = std::move(state.mapping);

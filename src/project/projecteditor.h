@@ -14,7 +14,8 @@ namespace hollowmere {
 enum class TSide { Source, Target };
 
 /// Edits a project by the rules that keep it whole. Every change gives the message of its refusal, empty
-/// when it was made; a refused change changes nothing. Changes of lists and tree can be undone. One thread.
+/// when it was made; a refused change changes nothing. Changes of sides, lists and tree can be undone. One
+/// thread.
 class TProjectEditor {
  public:
   explicit TProjectEditor(TProject project) : project_(std::move(project)) {}
@@ -73,13 +74,15 @@ class TProjectEditor {
  private:
   /// What undo brings back.
   struct TState {
+    TProjectSide source;
+    TProjectSide target;
     std::vector<TDataSource> dataSources;
     std::vector<TDataTarget> dataTargets;
     std::vector<TMapNode> mapping;
   };
 
   [[nodiscard]] TState state() const {
-    return {project_.dataSources, project_.dataTargets, project_.mapping};
+    return {project_.source, project_.target, project_.dataSources, project_.dataTargets, project_.mapping};
   }
   void restore(TState state);
   void beginChange();

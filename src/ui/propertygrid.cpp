@@ -163,6 +163,8 @@ TPropertyGrid::TPropertyGrid(QWidget* parent) : QTreeWidget(parent) {
 }
 
 void TPropertyGrid::setProperties(std::vector<TProperty> properties) {
+  const TProperty* current = property(currentIndex());
+  const QString currentKey = current ? current->key : QString();
   clear();
   properties_ = std::move(properties);
   QTreeWidgetItem* category = nullptr;
@@ -185,6 +187,8 @@ void TPropertyGrid::setProperties(std::vector<TProperty> properties) {
   }
   expandAll();
   resizeColumnToContents(0);
+  // Who works by keyboard stays where the work was.
+  if (QTreeWidgetItem* item = itemOf(currentKey)) setCurrentItem(item, 1);
 }
 
 void TPropertyGrid::show(QTreeWidgetItem& item, const TProperty& property) {

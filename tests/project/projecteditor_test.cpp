@@ -77,6 +77,9 @@ TEST(ProjectEditor, ChangingASideAsksOnlyWhenSomethingWouldBeLost) {
   EXPECT_EQ(editor.addDataSource(), "");
   EXPECT_EQ(editor.project().dataSources.size(), 1U) << "a file has no further rows";
   EXPECT_FALSE(editor.asksToClearDataSources());
+  editor.undo();
+  EXPECT_EQ(editor.project().source.dbType, "MongoDB") << "the side comes back with its lists";
+  EXPECT_EQ(editor.project().mapping.size(), 1U);
 }
 
 TEST(ProjectEditor, RootsFollowTheirRules) {
