@@ -5,15 +5,11 @@
 #include "engine/assembly.h"
 #include "engine/targettype.h"
 #include "project/runtexts.h"
+#include "settings/connectionrecord.h"
 
 namespace hollowmere {
 
 namespace {
-
-bool isConfigured(const TValue& connection) {
-  if (connection.is(TKind::Object)) return !connection.asObject().empty();
-  return connection.is(TKind::Text) && !connection.asText().empty() && connection.asText() != "{}";
-}
 
 bool sourceExists(const TProject& project, const std::string& name) {
   return std::any_of(project.dataSources.begin(), project.dataSources.end(),

@@ -13,10 +13,16 @@ TRunControl::TRunControl(TProject project, TRunServices services, bool batch)
   for (const TMapNode& root : project_.mapping) results_.push_back({root.source, root.target, {}});
 }
 
-TRunControl::~TRunControl() {
+TRunControl::~TRunControl() { endThreads(); }
+
+/// Stops the threads that have been started and waits for them.
+void TRunControl::endThreads() {
   flagThreads();
-  // A thread may still wait to hand something over.
-  while (!threads_.empty() && progress().runningThreads > 0) services_.mainThread.pump(20);
+  // A thread may still wait to hand something over. The threads are the first of the loads.
+  const auto running = [this](std::size_t thread) { return !loads_[thread]->finished(); };
+  for (std::size_t thread = 0; thread < threads_.size(); ++thread)
+    while (running(thread)) services_.mainThread.pump(20);
+  threads_.clear();
 }
 
 bool TRunControl::makeChecks() {
@@ -68,6 +74,8 @@ bool TRunControl::openFile(TAppendFile& file, const std::string& name, const cha
 
 /// Ends the start with a message; in batch mode the log gets it as well.
 bool TRunControl::refuse(const std::string& message) {
+  // The system may have refused a thread when others ran already.
+  endThreads();
   loads_.clear();
   if (batch_ && log_.isOpen()) {
     writeLine(log_, runtexts::batchError + project_.projectName + ": " + message);

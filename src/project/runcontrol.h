@@ -119,6 +119,7 @@ class TRunControl : private TLoadHost {
   void checkThresholds(const TLoadCounts& counts);
   bool threshold(std::int64_t limit, std::int64_t reached, const char* text);
   void flagThreads();
+  void endThreads();
   void finish();
   void writeSummary(const TRunProgress& last);
   void writeResult();
