@@ -79,8 +79,12 @@ TEST_F(TOptionTest, OkTakesWhatWasTypedAndSavesIt) {
     QCoreApplication::processEvents();
     EXPECT_TRUE(dialog.isVisible()) << "Enter ends the edit, not the dialog";
     grid.editProperty(QStringLiteral("logFile"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    QTest::keyClick(&grid, Qt::Key_Slash);
+    EXPECT_EQ(qobject_cast<QLineEdit*>(QApplication::focusWidget())->text(), QStringLiteral("/"))
+        << "typing begins the edit of this row again";
     whenFileDialog(log);
-    QTest::mouseClick(grid.findChild<QToolButton*>(), Qt::LeftButton);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_F4);
     QCoreApplication::processEvents();
     click(dialog, "bOK");
   });

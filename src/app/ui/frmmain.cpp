@@ -43,6 +43,8 @@ TMdiChild* childOf(const QMdiSubWindow* window) {
 TfrmMain::TfrmMain(TWindowContext& context) : context_(context) {
   setObjectName(QStringLiteral("TfrmMain"));
   setWindowTitle(QStringLiteral("Hollowmere"));
+  setWindowIcon(themeIcon("hollowmere"));
+  QGuiApplication::setWindowIcon(windowIcon());
   setAcceptDrops(true);
   auto* centre = new QWidget(this);
   auto* layout = new QVBoxLayout(centre);

@@ -33,6 +33,7 @@ TfrmProject::TfrmProject(TWindowContext& context, TProject project, QWidget* par
       context_(context),
       editor_(std::move(project)),
       file_(context.cipher, context.files) {
+  setWindowIcon(themeIcon("hollowmere-project"));
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   makeToolBar();

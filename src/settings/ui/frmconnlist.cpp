@@ -180,8 +180,16 @@ void TfrmConnList::focusPlace(int place) {
   updateActions();
 }
 
+/// What a new record brings is seen, whatever the width was.
+void TfrmConnList::widenColumns() {
+  const QAbstractItemView& view = *table_;
+  for (int column = 0; column < configureColumn; ++column)
+    if (view.sizeHintForColumn(column) > table_->columnWidth(column)) table_->resizeColumnToContents(column);
+}
+
 void TfrmConnList::refresh(int place) {
   model_->refresh();
+  if (placed_) widenColumns();
   focusPlace(place);
   bExport_->setEnabled(model_->rowCount() > 0);
   Q_EMIT statusChanged();
