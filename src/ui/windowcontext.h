@@ -35,6 +35,8 @@ struct TWindowContext {
   /// Asks whether a new connection is to be kept for later, and keeps it; set by the main window. May be
   /// empty.
   std::function<void(const ConnectionConfig&)> offerToKeep = {};
+  /// The connections that are kept; set by the main window. May be empty.
+  std::function<TConnectionList()> keptConnections = {};
 
   [[nodiscard]] TConnectionListFile connectionFile() const {
     return {folder.connectionListFile(), cipher, files};

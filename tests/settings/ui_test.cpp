@@ -215,6 +215,23 @@ TEST_F(TDBConfigTest, EveryPageRefusesInOrder) {
   }
 }
 
+TEST_F(TDBConfigTest, BeginsWithAKeptConnection) {
+  dialog_.loadAllowedDataSourceTypes({"MongoDB"});
+  dialog_.offerKept({recordOf(R"({"dbtype":"HBase","host":"region"})")});
+  auto& box = child<QComboBox>(dialog_, "cbKept");
+  EXPECT_FALSE(box.isVisible()) << "none of the type";
+  dialog_.offerKept({recordOf(R"({"dbtype":"HBase","host":"region"})"),
+                     recordOf(R"({"dbtype":"MongoDB","host":"db","port":27018,"database":"d","user":"u"})")});
+  ASSERT_TRUE(box.isVisible());
+  ASSERT_EQ(box.count(), 2);
+  EXPECT_EQ(box.itemText(1), QLatin1String("MongoDB  db@d/u :27018"));
+  walkWindow(dialog_, "frmdbconfig_kept");
+  box.setFocus();
+  QTest::keyClick(&box, Qt::Key_Down);
+  click(dialog_, "bOK");
+  EXPECT_EQ(*dialog_.connection()->find("port"), TValue(27018));
+}
+
 TEST_F(TDBConfigTest, OkGivesTheRecordAndCancelGivesNone) {
   showPage(dialog_, "Cassandra");
   type(dialog_, "eCassandra_host", "node");

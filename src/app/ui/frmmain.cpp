@@ -79,12 +79,14 @@ TfrmMain::TfrmMain(TWindowContext& context) : context_(context) {
   resize(fontMetrics().averageCharWidth() * 150, fontMetrics().height() * 45);
   restorePlacement(context_.store, placementGroup(), *this);
   context_.offerToKeep = [this](const ConnectionConfig& record) { offerToKeep(record); };
+  context_.keptConnections = [this] { return keptConnections(); };
   statusBar()->showMessage(text("Ready"));
   updateTabs();
 }
 
 TfrmMain::~TfrmMain() {
   context_.offerToKeep = {};
+  context_.keptConnections = {};
   // What is left in the area tells of its end while half of this window is gone already.
   area_->disconnect(this);
   for (TMdiChild* child : childWindows()) child->disconnect(this);
@@ -296,7 +298,18 @@ TfrmConnList* TfrmMain::connectionWindow() const {
   return nullptr;
 }
 
-/// While its window is open, the list is there and not in the file.
+/// While its window is open, the list is there and not in the file. One that cannot be loaded is no reason
+/// to disturb who only wants to choose from it.
+TConnectionList TfrmMain::keptConnections() const {
+  if (const TfrmConnList* open = connectionWindow()) return open->connections();
+  try {
+    return context_.connectionFile().load();
+  } catch (const TConnectionListError&) {
+    return {};
+  }
+}
+
+/// See above for where the list is.
 void TfrmMain::offerToKeep(const ConnectionConfig& record) {
   if (TfrmConnList* open = connectionWindow()) {
     open->offerToKeep(record);

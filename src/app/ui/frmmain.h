@@ -61,6 +61,7 @@ class TfrmMain : public QMainWindow {
   [[nodiscard]] bool mayExit();
   [[nodiscard]] TfrmConnList* connectionWindow() const;
   void offerToKeep(const ConnectionConfig& record);
+  [[nodiscard]] TConnectionList keptConnections() const;
 
   TWindowContext& context_;
   QMdiArea* area_;

@@ -4,6 +4,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
+#include <QRegularExpression>
 #include <QTabWidget>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -170,8 +171,13 @@ void TfrmProject::actSave() {
 }
 
 void TfrmProject::actSaveAs() {
-  QString name = QFileDialog::getSaveFileName(this, text("Save Project As"),
-                                              QString::fromStdString(project().fileName), filesOf());
+  // A project without a file offers its name as one; what no file name may hold is left out.
+  QString offered = QString::fromStdString(project().fileName);
+  if (offered.isEmpty())
+    offered = QString::fromStdString(project().projectName)
+                  .remove(QRegularExpression(QStringLiteral(R"([/\:*?"<>|])"))) +
+              QStringLiteral(".hmp");
+  QString name = QFileDialog::getSaveFileName(this, text("Save Project As"), offered, filesOf());
   if (name.isEmpty()) return;
   if (QFileInfo(name).suffix().isEmpty()) name += QStringLiteral(".hmp");
   saveTo(name);
@@ -241,6 +247,7 @@ bool TfrmProject::chooseConnection(TSide side, TProjectSide& value) {
   }
   TfrmDBConfig dialog(context_, this);
   dialog.loadAllowedDataSourceTypes({value.dbType});
+  if (context_.keptConnections) dialog.offerKept(context_.keptConnections().records());
   if (value.connection.is(TKind::Object) && !value.connection.asObject().empty())
     dialog.setConnection(value.connection.asObject());
   if (dialog.exec() != QDialog::Accepted || !dialog.connection()) return false;
