@@ -367,11 +367,11 @@ TBrowserWindow* TfrmMain::openDBWindow(const ConnectionConfig& connection) {
   const std::string type = dbTypeOf(connection);
   const TBrowserFactory* factory = context_.browsers.find(type);
   if (!factory) {
-    context_.prompt.ask(TPromptKind::Information,
-                        "There is no browser window for " + (type.empty() ? "this type of" : type) +
-                            " databases in this version yet. Connections of this type can be used in load "
-                            "projects where the store is supported.",
-                        TButtons::Ok);
+    const QString name = type.empty() ? tr("this type of") : QString::fromStdString(type);
+    inform(
+        tr("There is no browser window for %1 databases in this version yet. Connections of this type can be "
+           "used in load projects where the store is supported.")
+            .arg(name));
     return nullptr;
   }
   TBrowserWindow* window = nullptr;
@@ -393,12 +393,14 @@ TBrowserWindow* TfrmMain::openDBWindow(const ConnectionConfig& connection) {
 }
 
 void TfrmMain::openMigration() {
-  const bool reachable = context_.stores.find(dbtype::oracle) != nullptr;
-  context_.prompt.ask(TPromptKind::Information,
-                      reachable ? "This build has no assistant for migration projects yet."
-                                : "This build has no Oracle connector: a migration project cannot be created "
-                                  "from an Oracle schema.",
-                      TButtons::Ok);
+  inform(context_.stores.find(dbtype::oracle)
+             ? tr("This build has no assistant for migration projects yet.")
+             : tr("This build has no Oracle connector: a migration project cannot be created from an Oracle "
+                  "schema."));
+}
+
+void TfrmMain::inform(const QString& message) {
+  context_.prompt.ask(TPromptKind::Information, message.toStdString(), TButtons::Ok);
 }
 
 /// The page of what has the focus, else of the child window in front.
@@ -435,7 +437,7 @@ bool TfrmMain::eventFilter(QObject* watched, QEvent* event) {
 
 void TfrmMain::openAddress(const std::string& address, const char* subject, const char* key) {
   if (address.empty())
-    context_.prompt.ask(TPromptKind::Information, noAddressText(subject, key), TButtons::Ok);
+    inform(QString::fromStdString(noAddressText(subject, key)));
   else
     context_.openOutside(QString::fromStdString(address));
 }

@@ -68,6 +68,7 @@ class TfrmMain : public QMainWindow {
   void showOptions();
   void showAbout();
   void openMigration();
+  void inform(const QString& message);
   void openAddress(const std::string& address, const char* subject, const char* key);
   [[nodiscard]] QString currentTopic() const;
   void onActivated(QMdiSubWindow* window);
