@@ -48,6 +48,13 @@ class MainWindow : public ::testing::Test, protected TWindowWorld {
     return QString::fromStdString(file);
   }
 
+  static void dropOn(TfrmMain& window, const QMimeData& data) {
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&window, &enter);
+    QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&window, &drop);
+  }
+
   static void trigger(TfrmMain& window, const char* action) { child<QAction>(window, action).trigger(); }
 };
 
@@ -119,11 +126,29 @@ TEST_F(MainWindow, WhatIsNoProjectOpensNothing) {
   prompt.expect(TPromptKind::Error, "Invalid project file.");
   QMimeData data;
   data.setUrls({QUrl::fromLocalFile(QString::fromStdString(temp.file("bad.hmp")))});
-  QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-  QCoreApplication::sendEvent(&window, &enter);
-  QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-  QCoreApplication::sendEvent(&window, &drop);
+  dropOn(window, data);
   EXPECT_TRUE(window.childWindows().isEmpty());
+}
+
+TEST_F(MainWindow, DroppedProjectsOpen) {
+  QMimeData data;
+  data.setUrls({QUrl::fromLocalFile(savedProject("one")), QUrl::fromLocalFile(savedProject("other")),
+                QUrl(QStringLiteral("https://example.com/project.hmp"))});
+  TfrmMain window(context);
+  window.show();
+  dropOn(window, data);
+  EXPECT_EQ(window.childWindows().size(), 2) << "files of this machine only";
+  EXPECT_TRUE(window.close());
+}
+
+TEST_F(MainWindow, EndsAlsoWhenItsSettingsCannotBeWritten) {
+  QSettings nowhere(QStringLiteral("/proc/none/settings.ini"), QSettings::IniFormat);
+  TWindowContext lost{settings, nowhere, folder, stores, cipher, files, clock, dates, prompt, mainThread, {}};
+  TfrmMain window(lost);
+  window.show();
+  prompt.expect(TPromptKind::Error,
+                R"(Unable to write to the registry key \Software\TamsburySoftware\Hollowmere\)");
+  EXPECT_TRUE(window.close());
 }
 
 TEST_F(MainWindow, ThirtyWindowsOpenAndClose) {
