@@ -20,3 +20,10 @@ endif()
 # RapidJSON is headers only; its package config names folders, not a target.
 add_library(hm_rapidjson INTERFACE)
 target_include_directories(hm_rapidjson SYSTEM INTERFACE ${RAPIDJSON_INCLUDE_DIRS})
+
+# No package config either: a header and a library.
+find_path(PGQUERY_INCLUDE_DIR pg_query.h REQUIRED)
+find_library(PGQUERY_LIBRARY pg_query REQUIRED)
+add_library(hm_pgquery INTERFACE)
+target_include_directories(hm_pgquery SYSTEM INTERFACE ${PGQUERY_INCLUDE_DIR})
+target_link_libraries(hm_pgquery INTERFACE ${PGQUERY_LIBRARY})
