@@ -24,7 +24,10 @@ bool matchGroups(const TSqlStatement& statement) {
   return columns == groups;
 }
 
-std::string accessor(const std::string& key) { return memberOf("prev", key); }
+/// Accumulators of a dotted argument have the dot in their names.
+std::string accessor(const std::string& key) {
+  return isIdentifier(key) ? "prev." + key : "prev[" + quotedText(key) + "]";
+}
 
 /// The accumulators of a group command with the lines of its functions, each once.
 class TAccumulators {

@@ -106,62 +106,63 @@ class TFilterPrinter {
   [[nodiscard]] TTerms condition(const TSqlCondition& condition, bool negated) const {
     const TSqlOperator op = negated ? opposite(condition.op) : condition.op;
     const std::string field = fieldOf_(condition.column);
+    const std::string& column = condition.column.name.text;
     const auto& values = condition.values;
     switch (op) {
       case TSqlOperator::IsNull: return {{field, "null"}};
       case TSqlOperator::IsNotNull: return {{field, one("$ne", "null")}};
-      case TSqlOperator::In: return {{field, one("$in", list(values, field, false))}};
-      case TSqlOperator::NotIn: return {{field, one("$nin", list(values, field, true))}};
+      case TSqlOperator::In: return {{field, one("$in", list(values, column, false))}};
+      case TSqlOperator::NotIn: return {{field, one("$nin", list(values, column, true))}};
       case TSqlOperator::Like:
-      case TSqlOperator::NotLike: return {{field, like(values[0], field, op == TSqlOperator::Like)}};
+      case TSqlOperator::NotLike: return {{field, like(values[0], column, op == TSqlOperator::Like)}};
       case TSqlOperator::Between:
-        return {{field,
-                 "{\"$gte\":" + ordered(values[0], field) + ",\"$lte\":" + ordered(values[1], field) + "}"}};
+        return {{field, "{\"$gte\":" + ordered(values[0], column) +
+                            ",\"$lte\":" + ordered(values[1], column) + "}"}};
       case TSqlOperator::NotBetween:
-        return joined({TTerms{{field, one("$lt", ordered(values[0], field))}},
-                       TTerms{{field, one("$gt", ordered(values[1], field))}}},
+        return joined({TTerms{{field, one("$lt", ordered(values[0], column))}},
+                       TTerms{{field, one("$gt", ordered(values[1], column))}}},
                       false);
-      default: return {{field, compared(op, values[0], field)}};
+      default: return {{field, compared(op, values[0], column)}};
     }
   }
 
   [[nodiscard]] static std::string compared(TSqlOperator op, const TSqlValue& value,
-                                            const std::string& field) {
-    if (op == TSqlOperator::Equal) return modernValue(value, field);
+                                            const std::string& column) {
+    if (op == TSqlOperator::Equal) return modernValue(value, column);
     if (op == TSqlOperator::NotEqual)
-      return value.kind == TSqlValue::Null ? one("$ne", "null") : one("$nin", list({value}, field, true));
+      return value.kind == TSqlValue::Null ? one("$ne", "null") : one("$nin", list({value}, column, true));
     const char* name = op == TSqlOperator::Less             ? "$lt"
                        : op == TSqlOperator::GreaterOrEqual ? "$gte"
                        : op == TSqlOperator::Greater        ? "$gt"
                                                             : "$lte";
-    return one(name, ordered(value, field));
+    return one(name, ordered(value, column));
   }
 
   [[nodiscard]] static std::string one(const char* name, const std::string& operand) {
     return "{" + quotedText(name) + ":" + operand + "}";
   }
 
-  [[nodiscard]] static std::string ordered(const TSqlValue& value, const std::string& field) {
+  [[nodiscard]] static std::string ordered(const TSqlValue& value, const std::string& column) {
     if (value.kind == TSqlValue::Null)
       refuse(value.place, "nothing is less or greater than NULL; IS NULL asks for it");
-    return modernValue(value, field);
+    return modernValue(value, column);
   }
 
-  [[nodiscard]] static std::string list(const std::vector<TSqlValue>& values, const std::string& field,
+  [[nodiscard]] static std::string list(const std::vector<TSqlValue>& values, const std::string& column,
                                         bool andNull) {
     std::string out;
     for (const TSqlValue& value : values) {
       if (value.kind == TSqlValue::Null)
         refuse(value.place, "NULL in a list matches nothing; IS NULL asks for it");
-      out.append(out.empty() ? "" : ",").append(modernValue(value, field));
+      out.append(out.empty() ? "" : ",").append(modernValue(value, column));
     }
     return "[" + out + (andNull ? ",null]" : "]");
   }
 
-  [[nodiscard]] static std::string like(const TSqlValue& value, const std::string& field, bool positive) {
+  [[nodiscard]] static std::string like(const TSqlValue& value, const std::string& column, bool positive) {
     if (value.kind != TSqlValue::Text) refuse(value.place, "LIKE takes a quoted text");
     if (!hasWildcard(value))
-      return positive ? quotedText(value.text) : one("$nin", list({value}, field, true));
+      return positive ? quotedText(value.text) : one("$nin", list({value}, column, true));
     const std::string regex = likeRegex(value.text);
     return positive ? regex : "{\"$not\":" + regex + ",\"$ne\":null}";
   }
@@ -191,12 +192,12 @@ std::string plainField(const TSqlColumn& column) {
   return fieldName(column.name);
 }
 
-std::string modernValue(const TSqlValue& value, const std::string& field) {
+std::string modernValue(const TSqlValue& value, const std::string& column) {
   switch (value.kind) {
     case TSqlValue::Number:
       return value.text.find_first_of(".eE") == std::string::npos ? integerText(value) : value.text;
     case TSqlValue::Text:
-      return equalIgnoringCase(field, "_id") && isObjectId(value.text)
+      return equalIgnoringCase(column, "_id") && isObjectId(value.text)
                  ? "ObjectId(" + quotedText(value.text) + ")"
                  : quotedText(value.text);
     case TSqlValue::Null: return "null";

@@ -68,6 +68,7 @@ class TGroupPrinter {
     pipeline.add("$group", groupDocument());
     if (!having.empty()) pipeline.add("$match", having);
     pipeline.addOrder(order, statement_.limit);
+    if (!projection_.has("_id")) projection_.add("_id", "0");
     pipeline.add("$project", projection_.text());
     return pipeline.text();
   }

@@ -27,7 +27,7 @@ std::string fieldName(const TSqlName& name);
 /// The field of a plain column; refuses functions.
 std::string plainField(const TSqlColumn& column);
 /// As a value: true and false, numbers, texts, ObjectId for 24 digits compared with _id.
-std::string modernValue(const TSqlValue& value, const std::string& field);
+std::string modernValue(const TSqlValue& value, const std::string& column);
 /// 1 or -1.
 std::string sortDirection(const TSqlOrder& order);
 /// How many rows are skipped; empty: none.

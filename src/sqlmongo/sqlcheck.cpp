@@ -36,9 +36,11 @@ void appendToken(std::string& out, const TSqlToken& token) {
     appendQuoted(out, '"', token.text);
 }
 
-std::size_t countCharacters(std::string_view text) {
-  return static_cast<std::size_t>(
-      std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; }));
+/// The parser shows a word with the quotes that were put around it.
+std::string unquoted(std::string message) {
+  for (std::size_t at = message.find("\"\""); at != std::string::npos; at = message.find("\"\"", at + 1))
+    message.erase(at, 1);
+  return message;
 }
 
 /// What the parser is asked, and where in it each token stands.
@@ -54,18 +56,24 @@ class TQuestion {
 
   [[nodiscard]] const std::string& text() const { return text_; }
 
-  /// The parser counts characters from 1.
-  [[nodiscard]] std::size_t place(int position) const {
-    std::size_t i = 0;
-    while (i + 1 < starts_.size() && countCharacters(std::string_view(text_).substr(0, starts_[i + 1])) <
-                                         static_cast<std::size_t>(position))
-      ++i;
+  /// Of the character that the parser counted, from 1.
+  [[nodiscard]] std::size_t place(int character) const {
     if (starts_.empty()) return range_.begin == 0 ? 0 : tokens_[range_.begin - 1].end;
-    const TSqlToken& token = tokens_[range_.begin + i];
-    return static_cast<std::size_t>(position) > countCharacters(text_) - 1 ? token.end : token.begin;
+    const std::size_t byte = byteOf(character);
+    const auto next = std::upper_bound(starts_.begin(), starts_.end(), byte);
+    const auto index = static_cast<std::size_t>(next - starts_.begin());
+    const TSqlToken& token = tokens_[range_.begin + (index == 0 ? 0 : index - 1)];
+    return byte + 1 < text_.size() ? token.begin : token.end;
   }
 
  private:
+  [[nodiscard]] std::size_t byteOf(int character) const {
+    std::size_t byte = 0;
+    for (int count = 0; byte < text_.size(); ++byte)
+      if ((text_[byte] & 0xC0) != 0x80 && ++count == character) break;
+    return byte;
+  }
+
   const std::vector<TSqlToken>& tokens_;
   TSqlRange range_;
   std::string text_ = "select * from test where ";
@@ -80,7 +88,7 @@ std::optional<TSqlSyntaxFault> checkCondition(const std::vector<TSqlToken>& toke
   const PgQuerySplitResult answer = pg_query_split_with_parser(question.text().c_str());
   std::optional<TSqlSyntaxFault> fault;
   if (answer.error)
-    fault = {answer.error->message, question.place(answer.error->cursorpos)};
+    fault = {unquoted(answer.error->message), question.place(answer.error->cursorpos)};
   else if (answer.n_stmts != 1)
     fault = {"more than one statement", question.place(0)};
   pg_query_free_split_result(answer);
