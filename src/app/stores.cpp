@@ -1,5 +1,6 @@
 #include "app/stores.h"
 
+#include "connectors/hbase/hbaseconnector.h"
 #include "connectors/jsonfile/jsonfileconnector.h"
 #include "connectors/mongodb/mongoconnector.h"
 
@@ -7,6 +8,7 @@ namespace hollowmere {
 
 void addStores(TStoreRegistry& stores) {
   stores.add(makeMongoConnector());
+  stores.add(makeHBaseConnector());
   stores.add(makeJsonFileConnector());
 }
 
