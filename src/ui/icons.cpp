@@ -94,11 +94,32 @@ void lines(QPainter& p) {
   for (int y = 4; y <= 12; y += 4) p.drawLine(QPointF(3, y), QPointF(13, y));
 }
 
+void outside(QPainter& p) {
+  p.drawPolyline(QPolygonF({{8, 4}, {3, 4}, {3, 13}, {12, 13}, {12, 8}}));
+  p.drawLine(QPointF(7, 9), QPointF(13, 3));
+  p.drawPolyline(QPolygonF({{9.5, 3}, {13, 3}, {13, 6.5}}));
+}
+
+void printer(QPainter& p) {
+  p.drawRect(QRectF(5, 2, 6, 4));
+  p.drawRect(QRectF(2, 6, 12, 5));
+  p.drawRect(QRectF(5, 9, 6, 5));
+}
+
+void branch(QPainter& p) {
+  p.drawRect(QRectF(2, 2, 5, 4));
+  p.drawRect(QRectF(9, 9, 5, 4));
+  p.drawPolyline(QPolygonF({{4.5, 6}, {4.5, 11}, {9, 11}}));
+}
+
 const std::map<std::string, TDraw>& drawings() {
   static const std::map<std::string, TDraw> table{{"document-new", page},
                                                   {"document-open", folder},
                                                   {"document-save", disk},
                                                   {"document-save-as", disk},
+                                                  {"document-open-external", outside},
+                                                  {"document-print", printer},
+                                                  {"list-add-nested", branch},
                                                   {"media-playback-start", triangle},
                                                   {"media-playback-stop", square},
                                                   {"list-add", plus},
