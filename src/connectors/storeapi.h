@@ -108,6 +108,9 @@ class TStoreConnector {
 
   /// Rows (or bytes) of a root data source. Throws TStoreError.
   virtual std::int64_t count(const TStoreOptions& options, const TDataSource& source) const = 0;
+  /// Whether a definition can be a query of this store, as far as its text alone tells: empty when it can,
+  /// else what is wrong and where. Asked while it is written, so it is quick and reaches for no server.
+  [[nodiscard]] virtual std::string checkQuery(const TValue& /*definition*/) const { return {}; }
   /// What the store asks of root data sources before a run; empty when all is well, else the message.
   [[nodiscard]] virtual std::string checkRootSource(const TDataSource& /*source*/, int /*degree*/) const {
     return {};

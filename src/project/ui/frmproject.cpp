@@ -16,6 +16,7 @@
 #include "project/ui/mappingpage.h"
 #include "project/ui/runpage.h"
 #include "settings/ui/frmdbconfig.h"
+#include "ui/helptopic.h"
 #include "ui/icons.h"
 #include "ui/qtmainthread.h"
 
@@ -38,6 +39,7 @@ TfrmProject::TfrmProject(TWindowContext& context, TProject project, QWidget* par
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   makeToolBar();
+  setHelpTopic(*this, "project");
   makePages();
   fileLabel_ = new QLabel(this);
   fileLabel_->setObjectName(QStringLiteral("lFile"));
@@ -95,6 +97,8 @@ void TfrmProject::makePages() {
   targets_ = new TDataTargetsPage(editor_, this);
   mapping_ = new TMappingPage(context_, editor_, this);
   runPage_ = new TRunPage(context_, this);
+  setHelpTopic(*runPage_, "run");
+  setHelpTopic(*mapping_, "mapping");
   pages_->addTab(general_, text("General"));
   pages_->addTab(sources_, text("Data Sources"));
   pages_->addTab(targets_, text("Data Targets"));
@@ -180,6 +184,11 @@ void TfrmProject::actSaveAs() {
   QString name = QFileDialog::getSaveFileName(this, text("Save Project As"), offered, filesOf());
   if (name.isEmpty()) return;
   if (QFileInfo(name).suffix().isEmpty()) name += QStringLiteral(".hmp");
+  // Each of the two windows would undo what the other one saves.
+  if (context_.isOpenElsewhere && context_.isOpenElsewhere(name, *this))
+    return context_.prompt.error(
+        "The project file " + name.toStdString() +
+        " is open in another window. Close that window first, or choose another name.");
   saveTo(name);
 }
 

@@ -16,6 +16,7 @@
 #include "settings/ui/connectionmodel.h"
 #include "settings/ui/exportdialogs.h"
 #include "settings/ui/frmdbconfig.h"
+#include "ui/helptopic.h"
 #include "ui/icons.h"
 #include "ui/placement.h"
 
@@ -43,6 +44,7 @@ TfrmConnList::TfrmConnList(TWindowContext& context, QWidget* parent)
   setObjectName(QStringLiteral("frmConnList"));
   setWindowTitle(tr("Database Connections"));
   setWindowIcon(themeIcon("network-server"));
+  setHelpTopic(*this, "connections");
   filter_->setSourceModel(model_);
   makeTable();
   auto* layout = new QVBoxLayout(this);

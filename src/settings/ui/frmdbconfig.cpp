@@ -17,6 +17,7 @@
 #include "settings/connectionedit.h"
 #include "settings/connectionhelp.h"
 #include "settings/ui/connectionpage.h"
+#include "ui/helptopic.h"
 #include "ui/icons.h"
 #include "ui/placement.h"
 
@@ -37,6 +38,7 @@ TfrmDBConfig::TfrmDBConfig(TWindowContext& context, QWidget* parent)
   setObjectName(QStringLiteral("frmDBConfig"));
   setWindowTitle(tr("Database Connection"));
   keptRow_ = makeKeptRow();
+  setHelpTopic(*this, "connections");
   makePages();
   splitter_->setObjectName(QStringLiteral("splitter"));
   splitter_->setChildrenCollapsible(false);
