@@ -4,7 +4,6 @@
 
 #include "json/json.h"
 #include "jsongrid/gridtexts.h"
-#include "settings/safefile.h"
 
 namespace hollowmere {
 
@@ -72,16 +71,20 @@ TList parseLines(std::string_view text, const TStopFlag* stop) {
 TDocumentTextError::TDocumentTextError(std::string detail)
     : std::runtime_error(gridtexts::invalidDocument), detail_(std::move(detail)) {}
 
-TList parseDocuments(std::string_view text, const TStopFlag* stop) {
+TList parseDocuments(std::string_view text, const TStopFlag* stop, TDocumentForm* form) {
+  TDocumentForm found = TDocumentForm::Lines;
+  TDocumentForm& told = form ? *form : found;
   if (text.starts_with(byteOrderMark)) text.remove_prefix(byteOrderMark.size());
   const std::size_t start = text.find_first_not_of(blanks);
   if (start == std::string_view::npos) throw TDocumentTextError("the text is empty");
-  // Lines are counted from the first of the text, so only blanks within a line are passed over.
+  told = TDocumentForm::Lines;
   if (isByLines(text.substr(start))) return parseLines(text, stop);
   try {
     TValue whole = parseJson(text);
+    told = TDocumentForm::List;
     if (whole.is(TKind::List)) return std::move(whole.asList());
     if (!whole.is(TKind::Object)) throw TDocumentTextError("it is neither an object nor a list");
+    told = TDocumentForm::One;
     TList one;
     one.push_back(std::move(whole));
     return one;
@@ -90,8 +93,27 @@ TList parseDocuments(std::string_view text, const TStopFlag* stop) {
   }
 }
 
-TList readDocuments(const std::string& path, const TStopFlag* stop) {
-  return parseDocuments(readWholeFile(path), stop);
+TList readDocuments(const std::string& path, const TStopFlag* stop, TDocumentForm* form) {
+  return parseDocuments(readWholeFile(path), stop, form);
+}
+
+void writeDocuments(TSafeFiles& files, const std::string& path, const TList& documents, TDocumentForm form) {
+  constexpr std::size_t pieceBytes = 64 * 1024;
+  if (form == TDocumentForm::One && documents.size() == 1)
+    return writeWholeFile(files, path, toPrettyJson(documents[0]) + "\n");
+  const bool lines = form == TDocumentForm::Lines;
+  const auto file = files.create(path);
+  std::string piece = lines ? "" : "[";
+  for (std::size_t i = 0; i < documents.size(); ++i) {
+    if (!lines) piece += i == 0 ? "\n" : ",\n";
+    appendJson(piece, documents[i]);
+    if (lines) piece += '\n';
+    if (piece.size() < pieceBytes) continue;
+    file->write(piece);
+    piece.clear();
+  }
+  file->write(piece + (lines ? "" : "\n]\n"));
+  file->commit();
 }
 
 }  // namespace hollowmere

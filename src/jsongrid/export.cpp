@@ -13,9 +13,10 @@ constexpr std::size_t rowsBetweenTellings = 256;
 
 /// False when it was stopped.
 template <typename TSink>
-bool writeRows(const TGridTable& table, TRowWriter& writer, const TExportWatch& watch, const TSink& sink) {
+bool writeRows(const TGridTable& table, TRowWriter& writer, const TExportWatch& watch, const TSink& sink,
+               bool captions = true) {
   std::string piece;
-  writer.begin(piece);
+  if (captions) writer.begin(piece);
   for (std::size_t row = 0; row < table.rows(); ++row) {
     if (watch.stopped()) return false;
     writer.row(piece, row);
@@ -57,9 +58,16 @@ bool exportText(const TGridTable& table, TTextFormat format, TSafeFiles& files, 
   return true;
 }
 
-std::string tableText(const TGridTable& table, TTextFormat format) {
+bool copyText(const TGridTable& table, TTextFormat format, bool captions, const TExportWatch& watch,
+              std::string& text) {
+  const auto writer = makeRowWriter(format, table, {});
+  return writeRows(
+      table, *writer, watch, [&](const std::string& piece) { text += piece; }, captions);
+}
+
+std::string tableText(const TGridTable& table, TTextFormat format, bool captions) {
   std::string text;
-  writeRows(table, *makeRowWriter(format, table, {}), {}, [&](const std::string& piece) { text += piece; });
+  copyText(table, format, captions, {}, text);
   return text;
 }
 

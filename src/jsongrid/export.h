@@ -63,8 +63,12 @@ std::unique_ptr<TRowWriter> makeRowWriter(TTextFormat format, const TGridTable& 
 bool exportText(const TGridTable& table, TTextFormat format, TSafeFiles& files, const std::string& path,
                 const std::string& title, const TExportWatch& watch);
 
-/// The same as one text, for the clipboard.
-std::string tableText(const TGridTable& table, TTextFormat format);
+/// The same as one text, for the clipboard. Tabbed and Csv texts may go without captions. False when it was
+/// stopped.
+bool copyText(const TGridTable& table, TTextFormat format, bool captions, const TExportWatch& watch,
+              std::string& text);
+/// Of a small table.
+std::string tableText(const TGridTable& table, TTextFormat format, bool captions = true);
 
 /// Whether a spreadsheet could take a text for a formula: it begins with "=", "+", "-", "@", a tab or a
 /// carriage return.

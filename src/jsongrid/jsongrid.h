@@ -49,6 +49,8 @@ class TJsonGrid : public TGridTable {
   /// Kind of the first value in a column that is not null; Null when there is none.
   [[nodiscard]] TKind columnKind(std::size_t column) const { return columns_[column].kind; }
   [[nodiscard]] const TValue& document(std::size_t row) const { return rows_[row]; }
+  /// All rows, those that are marked as deleted included.
+  [[nodiscard]] const TList& documents() const { return rows_; }
   [[nodiscard]] TRowMark mark(std::size_t row) const { return marks_[row]; }
   /// Whether anything differs from what was loaded, or was and was not taken back.
   [[nodiscard]] bool changed() const { return !undo_.empty(); }
