@@ -182,7 +182,11 @@ auto THBaseClient::call(const char* method, const std::string& table, TCall&& ac
   } catch (const wire::AlreadyExists&) {
     throw THBaseFault(THBaseFaultKind::Other, "The table " + table + " exists already.");
   } catch (const TApplicationException& error) {
-    if (error.getType() != TApplicationException::INTERNAL_ERROR) link_.reset();
+    // Others are made here, of an answer to something else.
+    const bool told = error.getType() == TApplicationException::INTERNAL_ERROR ||
+                      error.getType() == TApplicationException::UNKNOWN ||
+                      error.getType() == TApplicationException::UNKNOWN_METHOD;
+    if (!told) link_.reset();
     throw unnamedFault(error, method);
   } catch (const TThriftFault& fault) {
     link_.reset();

@@ -1,7 +1,6 @@
 #include "connectors/hbase/hbasequery.h"
 
 #include "connectors/hbase/hbasefiltertext.h"
-#include "connectors/hbase/hbaserow.h"
 #include "connectors/nosqlcommon.h"
 
 namespace hollowmere {
@@ -85,12 +84,8 @@ class TFilterBinder {
     if (field->value.isNested())
       throw TStoreError(TStoreErrorKind::Read,
                         "The value of the query parameter :" + name + " is a list or an object");
-    try {
-      return cellBytes(field->value);
-    } catch (const std::runtime_error& error) {
-      throw TStoreError(TStoreErrorKind::Read,
-                        "The value of the query parameter :" + name + ": " + error.what());
-    }
+    // As it was read: no markers, bytes a binary.
+    return field->value.is(TKind::Binary) ? field->value.asText() : textForm(field->value);
   }
 
   void bindBare() {

@@ -32,11 +32,29 @@ std::string_view columnBytes(const std::string& name, std::string& storage) {
   return storage = decoded(name);
 }
 
-/// As cellBytes(), without a copy of what is bytes already.
+constexpr std::string_view quoteMarker = "&quot;", textMarker = "&str;";
+
+/// What a text's markers mean. Not the shared conversion: that takes blanks away, which are bytes here.
+std::string withoutMarkers(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  while (!text.empty()) {
+    const bool quote = text.starts_with(quoteMarker);
+    const bool mark = text.starts_with(textMarker);
+    if (quote) out += '"';
+    if (!quote && !mark) out += text.front();
+    text.remove_prefix(quote ? quoteMarker.size() : mark ? textMarker.size() : 1);
+  }
+  return out;
+}
+
+/// The usual case is found without a copy.
 std::string_view bytesOf(const TValue& value, std::string& storage) {
-  if (value.is(TKind::Binary) || (value.is(TKind::Text) && !hasBinaryMarker(value.asText())))
-    return value.asText();
-  return storage = cellBytes(value);
+  if (value.is(TKind::Binary)) return value.asText();
+  if (!value.is(TKind::Text)) return storage = textForm(value);
+  const std::string& text = value.asText();
+  if (text.find('&') == std::string::npos) return text;
+  return storage = hasBinaryMarker(text) ? decoded(text) : withoutMarkers(text);
 }
 
 const TMember& keyMember(const TObject& document) {
@@ -71,13 +89,6 @@ TObject rowDocument(const THBaseRow& row) {
     else
       addMember(document, std::string(binaryMarker) + toBase64(cell.column), cell.value);
   return document;
-}
-
-std::string cellBytes(const TValue& value) {
-  if (value.is(TKind::Binary)) return value.asText();
-  if (value.is(TKind::Text))
-    return hasBinaryMarker(value.asText()) ? decoded(value.asText()) : value.asText();
-  return textForm(value);
 }
 
 void addDocument(const TObject& document, THBaseBatch& batch) {

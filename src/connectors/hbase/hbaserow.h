@@ -14,12 +14,10 @@ inline constexpr const char* rowKeyName = "rowkey";
 /// text become a binary; such a column's name "&base64;" + Base64.
 TObject rowDocument(const THBaseRow& row);
 
-/// The bytes that stand for a value in a cell: of a text its own, or those behind "&base64;"; of a binary its
-/// bytes; of others their plain text. Throws std::runtime_error when what follows the marker is no Base64.
-std::string cellBytes(const TValue& value);
-
-/// Adds the row of a document to a batch: every member but "rowkey" is a column. Throws std::runtime_error
-/// saying why the document is no row, and adds nothing then.
+/// Adds the row of a document to a batch: every member but "rowkey" is a column. In a cell stand of a text
+/// its own bytes (a "&quot;" is a double quote, "&str;" goes, blanks stay), or those behind "&base64;"; of a
+/// binary its bytes; of others their plain text. Throws std::runtime_error saying why the document is no row,
+/// and adds nothing then.
 void addDocument(const TObject& document, THBaseBatch& batch);
 
 }  // namespace hollowmere
