@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <cstdint>
 #include <optional>
 #include <unordered_map>
 #include <vector>
@@ -91,6 +93,22 @@ std::string objectId(std::string_view argument) {
   return argument.find('\'') == none ? std::string(argument) : quoted(unquoted(argument));
 }
 
+/// Its digits as they are; words that JSON lacks stay quoted.
+std::string numberDecimal(std::string_view argument) {
+  const std::string text = unquoted(argument);
+  return text.find_first_not_of("0123456789.eE+-") == std::string::npos ? text : quoted(text);
+}
+
+/// Seconds since 1970 and a counter; the moment is what counts.
+std::string timestamp(std::string_view argument, const TDateTimeText& dates) {
+  const std::size_t first = std::min(argument.find_first_of("0123456789"), argument.size());
+  std::int64_t seconds = 0;
+  const auto [end, fault] =
+      std::from_chars(argument.data() + first, argument.data() + argument.size(), seconds);
+  const bool good = fault == std::errc() && seconds <= INT32_MAX * std::int64_t{2} + 1;
+  return quoted(good ? dates.localText(seconds * 1000) : unquoted(argument));
+}
+
 class TShellText {
  public:
   TShellText(std::string_view text, const TDateTimeText& dates, int depth = 0)
@@ -137,8 +155,8 @@ class TShellText {
   }
 
   bool wrapper(std::string_view name, std::size_t open) {
-    static constexpr std::array<std::string_view, 5> names{"NumberLong", "NumberInt", "ISODate", "ObjectId",
-                                                           "BinData"};
+    static constexpr std::array<std::string_view, 8> names{
+        "NumberLong", "NumberInt", "ISODate", "ObjectId", "BinData", "NumberDecimal", "UUID", "Timestamp"};
     if (std::find(names.begin(), names.end(), name) == names.end()) return false;
     if (!brackets_) brackets_.emplace(text_);
     const std::size_t close = brackets_->closing(open);
@@ -151,7 +169,9 @@ class TShellText {
   std::string rewritten(std::string_view name, std::string_view argument) const {
     if (name == "ISODate") return isoDate(argument, dates_);
     if (name == "BinData") return binData(argument);
-    if (name == "ObjectId") return objectId(argument);
+    if (name == "ObjectId" || name == "UUID") return objectId(argument);
+    if (name == "NumberDecimal") return numberDecimal(argument);
+    if (name == "Timestamp") return timestamp(argument, dates_);
     // No shell nests them; text that does must not exhaust the stack.
     constexpr int deepest = 20;
     if (depth_ == deepest) return withoutQuotes(argument);
