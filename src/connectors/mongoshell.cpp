@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdint>
 #include <optional>
 #include <unordered_map>
 #include <vector>
@@ -116,15 +117,18 @@ std::string uuid(std::string_view argument) {
     if (std::from_chars(digits.data() + at, end, byte, 16).ptr != end) return quoted(unquoted(argument));
     bytes += static_cast<char>(byte);
   }
-  return quoted(std::string(binaryMarker) + toBase64(bytes));
+  constexpr std::size_t uuidBytes = 16;
+  return quoted(bytes.size() == uuidBytes ? std::string(binaryMarker) + toBase64(bytes) : unquoted(argument));
 }
 
 /// Seconds and a counter, "1, 2" or "{ t: 1, i: 2 }": the moment counts.
 std::string timestamp(std::string_view argument, const TDateTimeText& dates) {
-  const std::size_t first = argument.find_first_of("0123456789");
+  const std::size_t first = std::min(argument.find_first_of("0123456789"), argument.size());
   std::int64_t seconds = 0;
-  if (first != none) std::from_chars(argument.data() + first, argument.data() + argument.size(), seconds);
-  return quoted(dates.localText(seconds * 1000));
+  const auto [end, fault] =
+      std::from_chars(argument.data() + first, argument.data() + argument.size(), seconds);
+  const bool good = fault == std::errc() && seconds <= INT32_MAX * std::int64_t{2} + 1;
+  return quoted(good ? dates.localText(seconds * 1000) : unquoted(argument));
 }
 
 /// What the first quoted text of an argument says.

@@ -102,8 +102,11 @@ class TMongo {
   void fill(const std::vector<TObject>& documents) {
     const TBsonPtr all(bson_new());
     check(mongoc_collection_delete_many(collection_, all.get(), nullptr, nullptr, &error_));
-    for (const TObject& document : documents)
-      check(mongoc_collection_insert_one(collection_, toBson(document).get(), nullptr, nullptr, &error_));
+    mongoc_bulk_operation_t* bulk = mongoc_collection_create_bulk_operation_with_opts(collection_, nullptr);
+    for (const TObject& document : documents) mongoc_bulk_operation_insert(bulk, toBson(document).get());
+    const bool done = mongoc_bulk_operation_execute(bulk, nullptr, &error_) != 0;
+    mongoc_bulk_operation_destroy(bulk);
+    check(done);
   }
 
   TRows run(const TValue& noted, const std::vector<std::string>& columns) {
