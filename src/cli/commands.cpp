@@ -19,6 +19,7 @@
 #include "project/runcheck.h"
 #include "settings/callqueue.h"
 #include "settings/connectionrecord.h"
+#include "sqlmongo/sqltomongo.h"
 
 namespace hollowmere {
 
@@ -193,6 +194,21 @@ int newCommand(const TCall& call) {
   return 0;
 }
 
+/// Standard input is the statement; the message alone goes to standard error, for callers that show it.
+int sqlToMongoCommand(const TCall& call) {
+  const std::string sql = readText("-", call.streams.in);
+  const bool modern = call.line.has("--modern");
+  TSqlToMongo result = SqlToMongo(sql, modern ? TShellForm::Modern : TShellForm::Classic);
+  if (!result.translated()) {
+    call.streams.err << (modern ? placeText(sql, result.place) + ": " : "") << result.message << '\n';
+    return 1;
+  }
+  // Carriage returns alone would write one line over the other.
+  if (call.streams.outIsTerminal) std::replace(result.shellText.begin(), result.shellText.end(), '\r', '\n');
+  call.streams.out << result.shellText << '\n';
+  return 0;
+}
+
 struct TCommand {
   TCommandSyntax syntax;
   std::function<int(const TCall&)> run;
@@ -206,6 +222,7 @@ const std::map<std::string, TCommand>& commands() {
       {"show", {{{"PROJECT"}, {"--secrets"}, {}}, showCommand}},
       {"seal", {{{"FILE", "PROJECT"}, {}, {}}, sealCommand}},
       {"new", {{{}, {}, {}}, newCommand}},
+      {"sql2mongo", {{{}, {"--modern"}, {}}, sqlToMongoCommand}},
   };
   return table;
 }

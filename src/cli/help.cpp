@@ -15,6 +15,7 @@ constexpr char programHelp[] =
   hollowmere-cli show PROJECT     print the project's document
   hollowmere-cli seal FILE PROJECT   make a project file of a project's document
   hollowmere-cli new              print the document of a new project
+  hollowmere-cli sql2mongo        translate a SQL statement into a MongoDB shell command
   hollowmere-cli COMMAND --help   more about one command
   hollowmere-cli --version
 
@@ -59,6 +60,14 @@ What is no project is refused, naming the member; an existing project file is th
       {"new", R"(hollowmere-cli new
 
 Prints the document of a new project with the defaults of the settings.
+)"},
+      {"sql2mongo", R"(hollowmere-cli sql2mongo [--modern]
+
+Reads one SELECT, UPDATE or DELETE statement from standard input and prints it as a MongoDB shell command.
+Without --modern the command is for shells that still have group, update and remove, and its lines end in
+carriage returns, which a terminal shows as line ends.
+  --modern  for today's shells: aggregation pipelines, updateMany, deleteMany, countDocuments
+A statement that cannot be translated is told on standard error, with its place under --modern; the exit code is 1.
 )"}};
   return texts;
 }

@@ -47,6 +47,21 @@ void left(QPainter& p) { p.drawPolyline(QPolygonF({{9, 4}, {5, 8}, {9, 12}})); }
 
 void right(QPainter& p) { p.drawPolyline(QPolygonF({{7, 4}, {11, 8}, {7, 12}})); }
 
+void toFirst(QPainter& p) {
+  p.drawLine(QPointF(4, 4), QPointF(4, 12));
+  p.drawPolyline(QPolygonF({{11, 4}, {7, 8}, {11, 12}}));
+}
+
+void toLast(QPainter& p) {
+  p.drawLine(QPointF(12, 4), QPointF(12, 12));
+  p.drawPolyline(QPolygonF({{5, 4}, {9, 8}, {5, 12}}));
+}
+
+void copies(QPainter& p) {
+  p.drawRect(QRectF(3, 3, 7, 8));
+  p.drawPolyline(QPolygonF({{12, 5}, {13, 5}, {13, 13}, {6, 13}, {6, 12.5}}));
+}
+
 void back(QPainter& p) {
   p.drawArc(QRectF(4, 5, 8, 8), -60 * 16, 210 * 16);
   p.drawPolyline(QPolygonF({{3, 5}, {4.5, 8.5}, {8, 7}}));
@@ -147,6 +162,9 @@ const std::map<std::string, TDraw>& drawings() {
                                                   {"go-down", down},
                                                   {"go-previous", left},
                                                   {"go-next", right},
+                                                  {"go-first", toFirst},
+                                                  {"go-last", toLast},
+                                                  {"edit-copy", copies},
                                                   {"edit-undo", back},
                                                   {"edit-redo", forward},
                                                   {"edit-clear", cross},

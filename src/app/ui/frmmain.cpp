@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
+#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QKeyEvent>
@@ -21,6 +22,7 @@
 #include "app/ui/editactions.h"
 #include "app/ui/frmhelp.h"
 #include "app/ui/startup.h"
+#include "jsongrid/ui/jsonwindow.h"
 #include "project/recentprojects.h"
 #include "project/ui/frmproject.h"
 #include "settings/ui/frmconnlist.h"
@@ -41,6 +43,15 @@ const QString& placementGroup() {
 
 TMdiChild* childOf(const QMdiSubWindow* window) {
   return window ? qobject_cast<TMdiChild*>(window->widget()) : nullptr;
+}
+
+/// Whether a file holds JSON text. A project file is enciphered: none begins like that.
+bool beginsAsJson(const QString& fileName) {
+  QFile file(fileName);
+  if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly)) return false;
+  QByteArray head = file.read(1024).trimmed();
+  if (head.startsWith("\xEF\xBB\xBF")) head = head.mid(3).trimmed();
+  return head.startsWith('{') || head.startsWith('[');
 }
 
 /// One name for one file, also where links lead to it.
@@ -126,6 +137,7 @@ void TfrmMain::makeFileMenu() {
       makeAction("actNewProject", text("New Project"), "document-new", QKeySequence(tr("Ctrl+N")));
   QAction* open =
       makeAction("actOpenProject", text("Open Project"), "document-open", QKeySequence(tr("Ctrl+O")));
+  QAction* document = makeAction("actOpenDocument", tr("Open JSON Document"), "", {});
   QAction* migrate = makeAction("actOraToJSON", text("Create Migration Project from Oracle Schema"), "", {});
   QAction* list = makeAction("actConnList", text("Configure Database Connections"), "network-server", {});
   // The same keys twice would do nothing at all: opening keeps Ctrl+O, the options have Shift besides.
@@ -141,6 +153,8 @@ void TfrmMain::makeFileMenu() {
   menu->addMenu(recent_);
   menu->addAction(migrate);
   menu->addSeparator();
+  menu->addAction(document);
+  menu->addSeparator();
   menu->addAction(list);
   menu->addAction(option);
   menu->addSeparator();
@@ -150,6 +164,7 @@ void TfrmMain::makeFileMenu() {
   for (QAction* action : {create, open, list, option}) toolBar_->addAction(action);
   connect(create, &QAction::triggered, this, &TfrmMain::newProject);
   connect(open, &QAction::triggered, this, &TfrmMain::chooseProject);
+  connect(document, &QAction::triggered, this, &TfrmMain::chooseDocument);
   connect(migrate, &QAction::triggered, this, &TfrmMain::openMigration);
   connect(list, &QAction::triggered, this, &TfrmMain::openConnectionList);
   connect(option, &QAction::triggered, this, &TfrmMain::showOptions);
@@ -293,6 +308,19 @@ void TfrmMain::chooseProject() {
   const QString name = QFileDialog::getOpenFileName(this, text("Open Project"), QString(),
                                                     tr("Load projects (*.hmp);;All files (*)"));
   if (!name.isEmpty()) openProject(name);
+}
+
+void TfrmMain::chooseDocument() {
+  const QString name = QFileDialog::getOpenFileName(this, tr("Open JSON Document"), QString(),
+                                                    tr("JSON documents (*.json *.jsonl);;All files (*)"));
+  if (!name.isEmpty()) editJsonFile(context_, this, name);
+}
+
+void TfrmMain::openFile(const QString& fileName) {
+  if (beginsAsJson(fileName))
+    editJsonFile(context_, this, fileName);
+  else
+    openProject(fileName);
 }
 
 void TfrmMain::fillRecent() {
@@ -487,7 +515,7 @@ void TfrmMain::dragEnterEvent(QDragEnterEvent* event) {
 
 void TfrmMain::dropEvent(QDropEvent* event) {
   for (const QUrl& url : event->mimeData()->urls())
-    if (url.isLocalFile()) openProject(url.toLocalFile());
+    if (url.isLocalFile()) openFile(url.toLocalFile());
 }
 
 }  // namespace hollowmere

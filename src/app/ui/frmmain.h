@@ -65,6 +65,8 @@ class TfrmMain : public QMainWindow {
   void fillRecent();
   void rememberRecent(const QString& fileName);
   void chooseProject();
+  void chooseDocument();
+  void openFile(const QString& fileName);
   void showOptions();
   void showAbout();
   void openMigration();

@@ -50,7 +50,7 @@ class TMappingDelegate : public QStyledItemDelegate {
       box->setEditable(true);
       box->addItems(page_.sourceChoices(pathOf(index)));
     } else {
-      for (const std::string_view type : mapTargetTypes) box->addItem(shown(type));
+      for (const TTargetType type : allTargetTypes) box->addItem(shown(targetTypeText(type)));
     }
     auto* self = const_cast<TMappingDelegate*>(this);
     connect(box, &QComboBox::activated, this, [self, box] {
@@ -391,7 +391,7 @@ QStringList TMappingPage::sourceChoices(const TNodePath& path) const {
   if (path.empty() || path.front() != previewRoot_) return choices;
   const auto found = result_.fields.find(TNodePath(path.begin() + 1, path.end() - 1));
   if (found == result_.fields.end()) return choices;
-  for (const std::string& field : found->second) choices << QString::fromStdString(field);
+  for (const TSampledField& field : found->second) choices << QString::fromStdString(field.name);
   return choices;
 }
 
@@ -412,10 +412,10 @@ void TMappingPage::bAddAllClick() {
   if (parent.empty() && !editor_.project().mapping.empty()) parent = {0};
   while (parent.size() > 1 && !result_.fields.contains(TNodePath(parent.begin() + 1, parent.end())))
     parent.pop_back();
-  std::vector<std::string> fields;
+  std::vector<TSampledField> fields;
   if (!parent.empty() && parent.front() == previewRoot_)
-    for (const std::string& field : result_.fields[TNodePath(parent.begin() + 1, parent.end())])
-      if (field.find('.') == std::string::npos) fields.push_back(field);
+    for (const TSampledField& field : result_.fields[TNodePath(parent.begin() + 1, parent.end())])
+      if (field.name.find('.') == std::string::npos) fields.push_back(field);
   if (!parent.empty() && fields.empty()) {
     Q_EMIT refused(tr("No fields of this data source are known yet: the preview beside the tree tells why."));
     return;
