@@ -141,6 +141,26 @@ TEST_F(MainWindow, DroppedProjectsOpen) {
   EXPECT_TRUE(window.close());
 }
 
+TEST_F(MainWindow, ADroppedDocumentIsShownByItsForm) {
+  const auto dropped = [&](const char* name, const char* text) {
+    writeBytes(temp.file(name), text);
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(QString::fromStdString(temp.file(name)))});
+    TfrmMain window(context);
+    window.show();
+    QString shown;
+    whenDialog({}, [&](QDialog& dialog) {
+      shown = dialog.objectName();
+      dialog.reject();
+    });
+    dropOn(window, data);
+    return shown;
+  };
+  EXPECT_EQ(dropped("one.json", "{\n \"a\": 1\n}"), "frmViewJSON");
+  EXPECT_EQ(dropped("list.json", "\xEF\xBB\xBF [{\"a\": 1}, {\"a\": 2}]"), "frmJSON");
+  EXPECT_EQ(dropped("lines.txt", "{\"a\": 1}\n{\"a\": 2}\n"), "frmJSON");
+}
+
 TEST_F(MainWindow, EndsAlsoWhenItsSettingsCannotBeWritten) {
   QSettings nowhere(QStringLiteral("/proc/none/settings.ini"), QSettings::IniFormat);
   TWindowContext lost{settings, nowhere, folder, stores, cipher, files, clock, dates, prompt, mainThread, {}};

@@ -22,6 +22,8 @@
 #include "app/ui/editactions.h"
 #include "app/ui/frmhelp.h"
 #include "app/ui/startup.h"
+#include "jsondoc/ui/viewjson.h"
+#include "jsongrid/documentlist.h"
 #include "jsongrid/ui/jsonwindow.h"
 #include "project/recentprojects.h"
 #include "project/ui/frmproject.h"
@@ -52,6 +54,19 @@ bool beginsAsJson(const QString& fileName) {
   QByteArray head = file.read(1024).trimmed();
   if (head.startsWith("\xEF\xBB\xBF")) head = head.mid(3).trimmed();
   return head.startsWith('{') || head.startsWith('[');
+}
+
+/// A file too large to be looked at twice counts as several.
+bool holdsOneDocument(const QString& fileName) {
+  constexpr qint64 mostBytes = 16 * 1024 * 1024;
+  if (QFileInfo(fileName).size() > mostBytes) return false;
+  try {
+    TDocumentForm form = TDocumentForm::List;
+    static_cast<void>(readDocuments(fileName.toStdString(), nullptr, &form));
+    return form == TDocumentForm::One;
+  } catch (const std::exception&) {
+    return false;
+  }
 }
 
 /// One name for one file, also where links lead to it.
@@ -313,12 +328,20 @@ void TfrmMain::chooseProject() {
 void TfrmMain::chooseDocument() {
   const QString name = QFileDialog::getOpenFileName(this, tr("Open JSON Document"), QString(),
                                                     tr("JSON documents (*.json *.jsonl);;All files (*)"));
-  if (!name.isEmpty()) editJsonFile(context_, this, name);
+  if (!name.isEmpty()) openDocument(name);
+}
+
+/// One document in the viewer; several, and what is none, in the grid, which tells what is wrong.
+void TfrmMain::openDocument(const QString& fileName) {
+  if (holdsOneDocument(fileName))
+    viewJsonFile(context_, this, fileName);
+  else
+    editJsonFile(context_, this, fileName);
 }
 
 void TfrmMain::openFile(const QString& fileName) {
   if (beginsAsJson(fileName))
-    editJsonFile(context_, this, fileName);
+    openDocument(fileName);
   else
     openProject(fileName);
 }

@@ -66,6 +66,7 @@ class TfrmMain : public QMainWindow {
   void rememberRecent(const QString& fileName);
   void chooseProject();
   void chooseDocument();
+  void openDocument(const QString& fileName);
   void openFile(const QString& fileName);
   void showOptions();
   void showAbout();
