@@ -80,7 +80,8 @@ void TListPage::setCell(int row, int column, const QString& text, bool editable)
 
 void TListPage::endFill() {
   grid_->resizeColumnToContents(0);
-  if (grid_->rowCount() > 0) grid_->setCurrentCell(std::clamp(rowBefore_, 0, grid_->rowCount() - 1), columnBefore_);
+  if (grid_->rowCount() > 0)
+    grid_->setCurrentCell(std::clamp(rowBefore_, 0, grid_->rowCount() - 1), columnBefore_);
   filling_ = false;
 }
 
