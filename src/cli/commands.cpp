@@ -12,6 +12,7 @@
 #include "app/program.h"
 #include "cli/commandline.h"
 #include "cli/help.h"
+#include "cli/mongocommand.h"
 #include "engine/preview.h"
 #include "json/json.h"
 #include "project/projectdocument.h"
@@ -193,6 +194,8 @@ int newCommand(const TCall& call) {
   return 0;
 }
 
+int mongo(const TCall& call) { return mongoCommand(call.line, call.streams, call.prompt); }
+
 struct TCommand {
   TCommandSyntax syntax;
   std::function<int(const TCall&)> run;
@@ -206,6 +209,7 @@ const std::map<std::string, TCommand>& commands() {
       {"show", {{{"PROJECT"}, {"--secrets"}, {}}, showCommand}},
       {"seal", {{{"FILE", "PROJECT"}, {}, {}}, sealCommand}},
       {"new", {{{}, {}, {}}, newCommand}},
+      {"mongo", {mongoSyntax(), mongo}},
   };
   return table;
 }
