@@ -71,6 +71,17 @@ def json_text():
                       "%.0f ns a document" % statistics.median(ours))
 
 
+@measurement
+def sql_to_mongodb():
+    """SQL statements to shell commands, one thread, CPU time; the parser alone reads the same statements."""
+    found = json.loads(run(os.path.join(BIN, "hm-bench-sql"), str(ROUNDS)).out)
+    for form in ("classic", "modern"):
+        table.add("SQL to MongoDB, %s form, 10,000 statements of %.0f characters" % (form, found["length"]),
+                  found[form], ("at most", 1), " s")
+        table.add("the same against the SQL parser alone", [a / b for a, b in zip(found[form], found["parser"])],
+                  ("at most", 6), " x", "%.1f µs a statement" % (statistics.median(found[form]) * 100))
+
+
 def load_file(count, children, bulk=1000, *sink_options):
     with Sink(*sink_options) as sink:
         return load(project(file(rows_file(count)), mongo(sink.port), children, bulk), count)
