@@ -208,7 +208,9 @@ TEST_F(LegacyShell, ProgramsThatAreNoUsableShellAreNamed) {
   const std::string start = "Unable to use the MongoDB shell ";
   EXPECT_EQ(fault("/no/mongo"), start + "/no/mongo: there is no such file.");
   EXPECT_EQ(fault("/etc"), start + "/etc: it is not a file.");
-  EXPECT_EQ(fault("/etc/hostname"), start + "/etc/hostname: it is not executable.");
+  const std::string text = notes_.file("text");
+  writeBytes(text, "x");
+  EXPECT_EQ(fault(text), start + text + ": it is not executable.");
   EXPECT_EQ(fault("/bin/true"), start + "/bin/true: it is no MongoDB shell.");
   setenv("LEGACY_MONGO_VERSION", "2.6.12", 1);
   EXPECT_EQ(fault(standIn), start + standIn + ": its version is 2.6.12, but 3.0 or later is needed.");
@@ -270,11 +272,17 @@ TEST(ShellStatements, AreCutAsAShellReadsThem) {
 TEST(SqlForm, FollowsTheServerUnlessItIsFixed) {
   using enum TSqlFormChoice;
   for (const char* old : {"2.6.12", "3.6", "4.0.28", "4.1"})
-    EXPECT_EQ(sqlFormFor(old, ByServer), TSqlForm::Legacy) << old;
+    EXPECT_EQ(sqlFormFor(old, ByServer), TShellForm::Classic) << old;
   for (const char* today : {"4.2.0", "4.10", "5.0.1", "8", "Unknown", ""})
-    EXPECT_EQ(sqlFormFor(today, ByServer), TSqlForm::Today) << today;
-  EXPECT_EQ(sqlFormFor("8.0", Legacy), TSqlForm::Legacy);
-  EXPECT_EQ(sqlFormFor("3.0", Today), TSqlForm::Today);
+    EXPECT_EQ(sqlFormFor(today, ByServer), TShellForm::Modern) << today;
+  EXPECT_EQ(sqlFormFor("8.0", Classic), TShellForm::Classic);
+  EXPECT_EQ(sqlFormFor("3.0", Modern), TShellForm::Modern);
+  EXPECT_TRUE(isSqlStatement("SELECT a\nFROM c"));
+  EXPECT_TRUE(isSqlStatement("update c set a = 1"));
+  EXPECT_FALSE(isSqlStatement("db.c.find({from: 'select'})"));
+  EXPECT_EQ(queryFault("INSERT INTO c VALUES (1)"), "Parsing of INSERT SQL statement is not supported.");
+  EXPECT_EQ(queryFault("db.c.find().toArray()"), "toArray() cursor method is not supported.");
+  EXPECT_EQ(queryFault("db.c.insertOne({into: 1})"), "");
 }
 
 }  // namespace
