@@ -2,6 +2,7 @@
 a thing and what it is held against one after the other."""
 
 import argparse
+import filecmp
 import json
 import math
 import os
@@ -13,7 +14,8 @@ import threading
 import time
 
 import rows
-from harness import (BIN, TOOLS, HBaseSink, Sink, Table, file, hbase, interrupt, load, mongo, node, path, project, run)
+from harness import (BIN, TOOLS, HBaseSink, Sink, Table, file, hbase, interrupt, load, mongo, node, path, project, run,
+                     start_server, stop_server)
 
 BENCH = os.path.dirname(os.path.abspath(__file__))
 
@@ -273,6 +275,45 @@ def stopping():
     listener.close()
     for what, figures in seconds.items():
         table.add("stopping " + what, figures, ("at most", 0.5 if what == "a load" else 2), " s")
+
+
+@measurement
+def gridfs():
+    """A large file into GridFS and back, beside the driver's own way, on a real server."""
+    megabytes, rounds = size(1000, 100), min(3, ROUNDS)
+    with open(path("large"), "wb") as out:
+        for _ in range(megabytes):
+            out.write(os.urandom(1_000_000))
+    with open(path("small"), "wb") as out:
+        out.write(b"x")
+    port = start_server()
+    uri, address = "mongodb://127.0.0.1:%d" % port, "127.0.0.1:%d/bench" % port
+    theirs, ours = os.path.join(BIN, "hm-bench-gridfs"), (os.path.join(BIN, "hollowmere-cli"), "mongo", address)
+    ratios, notes, peaks = {"put": [], "get": []}, {"put": [], "get": []}, []
+    run(*ours, "gridfs", "put", path("small"))
+    least = run(*ours, "gridfs", "get", "small", path("back")).peak
+    for number in range(rounds):
+        walls = {}
+        for who in (("driver", "ours") if number % 2 else ("ours", "driver")):
+            if who == "driver":
+                walls[who] = (run(theirs, "put", uri, path("large"), "copy").wall,
+                              run(theirs, "get", uri, path("back"), "copy").wall)
+            else:
+                ended = [run(*ours, "gridfs", "put", path("large"), "copy"),
+                         run(*ours, "gridfs", "get", "copy", path("back"))]
+                walls[who] = tuple(each.wall for each in ended)
+                peaks.extend(each.peak for each in ended)
+            if not filecmp.cmp(path("large"), path("back"), shallow=False):
+                raise RuntimeError("the file came back changed")
+            run(*ours, "gridfs", "delete", "copy")
+        for i, way in enumerate(("put", "get")):
+            ratios[way].append(walls["driver"][i] / walls["ours"][i])
+            notes[way].append(megabytes / walls["ours"][i])
+    stop_server(port)
+    for way in ("put", "get"):
+        table.add("GridFS %s of %d MB, speed against the driver's own" % (way, megabytes), ratios[way],
+                  ("at least", 0.9), " x", "%.0f MB/s" % statistics.median(notes[way]))
+    table.add("GridFS, peak memory of %d MB over one byte" % megabytes, [max(peaks) - least], ("at most", 16), " MB")
 
 
 @measurement
