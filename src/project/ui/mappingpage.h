@@ -51,6 +51,9 @@ class TMappingPage : public QWidget {
   void edited();
   void refused(const QString& message);
 
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
  private:
   void makeButtons();
   void makePreview();
@@ -72,6 +75,9 @@ class TMappingPage : public QWidget {
   void requestPreview();
   void onPreview(std::size_t root, const TPreviewResult& result);
   void showRow(int row);
+  [[nodiscard]] const TPreviewRow* shownRow() const;
+  void bViewRowClick();
+  void bViewDocumentClick();
 
   TWindowContext& context_;
   TProjectEditor& editor_;
@@ -85,6 +91,8 @@ class TMappingPage : public QWidget {
   QLabel* fault_;
   QPushButton* previous_;
   QPushButton* next_;
+  QPushButton* viewRow_;
+  QPushButton* viewDocument_;
   TPreviewJob preview_;
   TPreviewResult result_;
   std::size_t previewRoot_ = 0;
