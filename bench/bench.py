@@ -13,7 +13,9 @@ import threading
 import time
 
 import rows
-from harness import (BIN, TOOLS, Sink, Table, file, interrupt, load, mongo, node, path, project, run)
+from harness import (BIN, TOOLS, HBaseSink, Sink, Table, file, hbase, interrupt, load, mongo, node, path, project, run)
+
+BENCH = os.path.dirname(os.path.abspath(__file__))
 
 parser = argparse.ArgumentParser()
 parser.add_argument("--quick", action="store_true")
@@ -289,6 +291,85 @@ def start():
         for _ in range(ROUNDS):
             walls.append(load(made, 1).wall)
     table.add("hollowmere-cli run of one row, start to end", walls, ("at most", 0.2), " s")
+
+
+HBASE = [node("rowkey", "number", "String")] + [node("cf:" + name, name, "String") for name, _ in rows.FIELDS]
+
+
+def load_into_hbase(count, bulk, *sink_options):
+    with HBaseSink(*sink_options) as sink:
+        return load(project(file(rows_file(count)), hbase(sink.port), HBASE, bulk), count)
+
+
+@measurement
+def hbase_rows():
+    """Ten columns a row, into a sink that speaks HBase's Thrift."""
+    count = size(400_000, 100_000)
+    table.add("file to HBase, CPU a row of ten columns",
+              [load_into_hbase(count, 1000).cpu / count * 1e6 for _ in range(ROUNDS)], ("at most", 8), " µs")
+
+
+@measurement
+def hbase_batches():
+    counts = {1: 20_000, 100: 200_000}
+    for what, delay in (("", 0), (", 0.1 ms an answer", 0.1)):
+        speeds = {bulk: [] for bulk in counts}
+        for _ in range(ROUNDS):
+            for bulk, count in counts.items():
+                speeds[bulk].append(count / load_into_hbase(count, bulk, "--delay-ms", delay).result["seconds"])
+        table.add("HBase, batches of 100 against single rows" + what,
+                  [a / b for a, b in zip(speeds[100], speeds[1])], ("at least", 20), " x",
+                  ", ".join("%d: %s" % (bulk, a_second(statistics.median(each), 1)) for bulk, each in speeds.items()))
+
+
+@measurement
+def hbase_threads():
+    """Every answer of source and target takes 1 ms."""
+    each, bulk = size(10_000, 5_000), 10
+    speeds = {degree: [] for degree in (1, 2, 4, 8)}
+    for _ in range(ROUNDS):
+        for degree in speeds:
+            count = each * degree
+            with HBaseSink("--source", count, "--delay-ms", 1) as source, HBaseSink("--delay-ms", 1) as sink:
+                loaded = load(project(hbase(source.port), hbase(sink.port), (), bulk, degree), count)
+            speeds[degree].append(count / loaded.result["seconds"])
+    for degree in (2, 4, 8):
+        table.add("HBase, 1 ms an answer, batches of 10, %d threads" % degree,
+                  [a / b / degree for a, b in zip(speeds[degree], speeds[1])], ("at least", 0.9), " x threads")
+
+
+@measurement
+def hbase_memory():
+    few, many = size((500_000, 5_000_000), (100_000, 500_000))
+
+    def copied(count):
+        with HBaseSink("--source", count) as source, HBaseSink() as sink:
+            return load(project(hbase(source.port), hbase(sink.port), (), 1000), count).peak
+
+    peaks = copied(few), copied(many)
+    table.add("HBase to HBase, peak memory of %s rows over %s" % (format(many, ","), format(few, ",")),
+              [peaks[1] - peaks[0]], ("at most", 5), " MB", "%.0f and %.0f MB" % peaks)
+
+
+@measurement
+def hbase_server():
+    """A real HBase, and a loop over happybase's batches beside us."""
+    server = os.path.join(os.path.dirname(BENCH), "tests", "servers", "hbase")
+    started = run(server, "start", "--port", "0", "--parent", str(os.getpid())).out.decode()
+    python = run(server, "client").out.decode().strip()
+    port = re.search(r"127\.0\.0\.1:(\d+)", started)[1]
+    count, bulk = size(100_000, 20_000), 500
+    loop = [python, os.path.join(BENCH, "happybase_loop.py"), port]
+    ratios, speeds = [], []
+    run(*loop, "copies", "0", "1", os.devnull)
+    for _ in range(ROUNDS):
+        peer = run(*loop, "copies", str(count), str(bulk), rows_file(count)).wall
+        own = load(project(file(rows_file(count)), hbase(int(port)), HBASE, bulk), count).wall
+        ratios.append(peer / own)
+        speeds.append((count / own, count / peer))
+    table.add("file to a real HBase, speed against happybase", ratios, ("at least", 2), " x",
+              "%s against %s" % tuple(a_second(statistics.median(s[i] for s in speeds), 1) for i in (0, 1)))
+    subprocess.run([server, "stop", port], stdout=subprocess.DEVNULL)
 
 
 started = time.monotonic()

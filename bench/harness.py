@@ -62,8 +62,10 @@ def run(*command):
 class Sink:
     """A server of our own (hm-mongo-sink) for the time of a with statement; counts holds what it saw."""
 
+    program = "hm-mongo-sink"
+
     def __init__(self, *options):
-        self.command = [os.path.join(BIN, "hm-mongo-sink"), "--until-stdin-closes", *map(str, options)]
+        self.command = [os.path.join(BIN, self.program), "--until-stdin-closes", *map(str, options)]
         self.counts = None
 
     def __enter__(self):
@@ -77,6 +79,14 @@ class Sink:
         self.process.wait()
         if self.counts["violations"] and not error[0]:
             raise RuntimeError("a client broke the protocol")
+
+
+class HBaseSink(Sink):
+    program = "hm-hbase-sink"
+
+
+def hbase(port):
+    return "HBase", {"dbtype": "HBase", "host": "127.0.0.1", "port": port, "infoport": 0, "encoding": "Default"}
 
 
 def mongo(port):
@@ -97,7 +107,8 @@ def project(source, target, children=(), bulk=1000, degree=1, fetch=1000, count=
     for key, side in (("vgGeneralCategorySourceDB", source), ("vgGeneralCategoryTargetDB", target)):
         kind = "Source" if "Source" in key else "Target"
         document[key] = {"vgGeneral%sDBType" % kind: side[0], "vgGeneral%sConn" % kind: side[1]}
-    query = source[1] if source[0] == "JSON File" else {"database": "bench", "collection": "rows", "query": ""}
+    query = {"JSON File": source[1], "HBase": {"table": "rows", "query": ""}}.get(
+        source[0], {"database": "bench", "collection": "rows", "query": ""})
     document["datasourcelist"] = [{"name": "rows", "datasource": query, "count": 0}]
     document["datatargetlist"] = [{"name": "copies", "datatarget": "copies", "saslpwd": ""}]
     document["datamaplist"] = [node("copies", "rows", "String", children)]

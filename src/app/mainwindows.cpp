@@ -2,12 +2,15 @@
 
 #include <QApplication>
 #include <QDesktopServices>
+#include <QEvent>
 #include <QFileInfo>
 #include <QSettings>
 #include <QTimer>
 #include <QUrl>
 #include <exception>
+#include <functional>
 
+#include "app/applicationfault.h"
 #include "app/program.h"
 #include "app/ui/frmmain.h"
 #include "ui/messageprompt.h"
@@ -17,22 +20,36 @@ namespace hollowmere {
 
 namespace {
 
-/// Shows what a handler has thrown instead of ending the program with it.
+/// Tells what a handler has thrown instead of ending the program with it.
 class TApplication : public QApplication {
  public:
   TApplication(int& argc, char** argv, TPrompt& prompt) : QApplication(argc, argv), prompt_(prompt) {}
 
+  std::function<void()> openSupport = [] {};
+
   bool notify(QObject* receiver, QEvent* event) override {
     try {
       return QApplication::notify(receiver, event);
-    } catch (const std::exception& error) {
-      prompt_.error(error.what());
+    } catch (...) {
+      reportFault(std::current_exception(), prompt_, openSupport);
       return false;
     }
   }
 
  private:
   TPrompt& prompt_;
+};
+
+/// Ends the program when its first window has been drawn: how long that takes is measured so.
+class TEndAfterPaint : public QObject {
+ public:
+  using QObject::QObject;
+
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() == QEvent::Paint)
+      QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+    return QObject::eventFilter(watched, event);
+  }
 };
 
 void openOutside(const QString& target) {
@@ -53,7 +70,16 @@ int runWindows(int argc, char** argv, const std::string& projectFile) {
                            program.cipher,   program.files, program.clock,  program.dates,
                            prompt,           mainThread,    openOutside};
     TfrmMain window(context);
+    application.openSupport = [&window] { window.openSupport(); };
+    const std::string crashNote = program.folder.file("logs", "violation.txt");
+    const auto violation = takeAccessViolation(crashNote);
+    noteAccessViolations(crashNote);
+    TEndAfterPaint end;
+    if (qEnvironmentVariableIsSet("HOLLOWMERE_END_AFTER_PAINT")) window.installEventFilter(&end);
     window.show();
+    if (violation)
+      QTimer::singleShot(0, &window,
+                         [&] { reportProgramFault(*violation, prompt, application.openSupport); });
     if (!projectFile.empty())
       QTimer::singleShot(0, &window, [&] { window.openProject(QString::fromStdString(projectFile)); });
     return QApplication::exec();

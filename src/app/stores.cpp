@@ -1,5 +1,7 @@
 #include "app/stores.h"
 
+#include "connectors/cassandra/cassandraconnector.h"
+#include "connectors/hbase/hbaseconnector.h"
 #include "connectors/jsonfile/jsonfileconnector.h"
 #include "connectors/mongodb/mongoconnector.h"
 
@@ -7,6 +9,8 @@ namespace hollowmere {
 
 void addStores(TStoreRegistry& stores) {
   stores.add(makeMongoConnector());
+  stores.add(makeCassandraConnector());
+  stores.add(makeHBaseConnector());
   stores.add(makeJsonFileConnector());
 }
 

@@ -12,6 +12,7 @@
 #include "app/program.h"
 #include "cli/commandline.h"
 #include "cli/help.h"
+#include "cli/mongocommand.h"
 #include "engine/preview.h"
 #include "json/json.h"
 #include "project/projectdocument.h"
@@ -19,6 +20,7 @@
 #include "project/runcheck.h"
 #include "settings/callqueue.h"
 #include "settings/connectionrecord.h"
+#include "sqlmongo/sqltomongo.h"
 
 namespace hollowmere {
 
@@ -193,6 +195,23 @@ int newCommand(const TCall& call) {
   return 0;
 }
 
+/// Standard input is the statement; the message alone goes to standard error, for callers that show it.
+int sqlToMongoCommand(const TCall& call) {
+  const std::string sql = readText("-", call.streams.in);
+  const bool modern = call.line.has("--modern");
+  TSqlToMongo result = SqlToMongo(sql, modern ? TShellForm::Modern : TShellForm::Classic);
+  if (!result.translated()) {
+    call.streams.err << (modern ? placeText(sql, result.place) + ": " : "") << result.message << '\n';
+    return 1;
+  }
+  // Carriage returns alone would write one line over the other.
+  if (call.streams.outIsTerminal) std::replace(result.shellText.begin(), result.shellText.end(), '\r', '\n');
+  call.streams.out << result.shellText << '\n';
+  return 0;
+}
+
+int mongo(const TCall& call) { return mongoCommand(call.line, call.streams, call.prompt); }
+
 struct TCommand {
   TCommandSyntax syntax;
   std::function<int(const TCall&)> run;
@@ -206,6 +225,8 @@ const std::map<std::string, TCommand>& commands() {
       {"show", {{{"PROJECT"}, {"--secrets"}, {}}, showCommand}},
       {"seal", {{{"FILE", "PROJECT"}, {}, {}}, sealCommand}},
       {"new", {{{}, {}, {}}, newCommand}},
+      {"sql2mongo", {{{}, {"--modern"}, {}}, sqlToMongoCommand}},
+      {"mongo", {mongoSyntax(), mongo}},
   };
   return table;
 }

@@ -12,6 +12,7 @@ struct TCliStreams {
   std::ostream& out;  ///< data
   std::ostream& err;  ///< messages
   bool errIsTerminal = false;
+  bool outIsTerminal = false;
 };
 
 /// The program hollowmere-cli: runs one sub-command of the arguments (without the program's own name) and

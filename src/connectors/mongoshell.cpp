@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <cstdint>
 #include <optional>
 #include <unordered_map>
 #include <vector>
@@ -7,6 +9,7 @@
 #include "connectors/markers.h"
 #include "connectors/nosqlcommon.h"
 #include "connectors/textpiece.h"
+#include "json/encoding.h"
 #include "json/json.h"
 
 namespace hollowmere {
@@ -91,6 +94,76 @@ std::string objectId(std::string_view argument) {
   return argument.find('\'') == none ? std::string(argument) : quoted(unquoted(argument));
 }
 
+/// Digits as they are; what is no number of JSON ("NaN") as text.
+std::string number(std::string_view argument) {
+  const std::string text = unquoted(argument);
+  try {
+    const TValue value = parseJson(text);
+    if (value.is(TKind::Int) || value.is(TKind::Double) || value.is(TKind::Decimal)) return text;
+  } catch (const TJsonError&) {
+    return quoted(text);
+  }
+  return quoted(text);
+}
+
+/// The sixteen bytes of 36 digits and dashes.
+std::string uuid(std::string_view argument) {
+  std::string digits = unquoted(argument);
+  std::erase(digits, '-');
+  std::string bytes;
+  for (std::size_t at = 0; at + 1 < digits.size(); at += 2) {
+    unsigned byte = 0;
+    const char* end = digits.data() + at + 2;
+    if (std::from_chars(digits.data() + at, end, byte, 16).ptr != end) return quoted(unquoted(argument));
+    bytes += static_cast<char>(byte);
+  }
+  constexpr std::size_t uuidBytes = 16;
+  return quoted(bytes.size() == uuidBytes ? std::string(binaryMarker) + toBase64(bytes) : unquoted(argument));
+}
+
+/// Seconds and a counter, "1, 2" or "{ t: 1, i: 2 }": the moment counts.
+std::string timestamp(std::string_view argument, const TDateTimeText& dates) {
+  const std::size_t first = std::min(argument.find_first_of("0123456789"), argument.size());
+  std::int64_t seconds = 0;
+  const auto [end, fault] =
+      std::from_chars(argument.data() + first, argument.data() + argument.size(), seconds);
+  const bool good = fault == std::errc() && seconds <= INT32_MAX * std::int64_t{2} + 1;
+  return quoted(good ? dates.localText(seconds * 1000) : unquoted(argument));
+}
+
+/// What the first quoted text of an argument says.
+std::string firstText(std::string_view argument) {
+  const std::size_t quote = argument.find_first_of("\"'");
+  if (quote == none) return unquoted(argument);
+  const std::size_t end = endOfString(argument, quote);
+  return std::string(argument.substr(quote + 1, end - quote - 2));
+}
+
+/// The text between single quotes, or the quotes that mark code, as JSON. Only its own escapes differ.
+std::string fromSingleQuotes(std::string_view inner) {
+  std::string out = "\"";
+  for (std::size_t at = 0; at < inner.size(); ++at) {
+    const char c = inner[at];
+    if (c == '"') out += '\\';
+    if (c == '\\' && at + 1 < inner.size()) {
+      const char escaped = inner[++at];
+      constexpr std::string_view same = "\"\\/bfnrtu";
+      if (escaped == 'x')
+        out += "\\u00";
+      else if (same.find(escaped) == none)
+        out += escaped;
+      else
+        (out += '\\') += escaped;
+      continue;
+    }
+    if (static_cast<unsigned char>(c) < 0x20)
+      out += c == '\t' ? "\\t" : c == '\r' ? "\\r" : "\\n";
+    else
+      out += c;
+  }
+  return out += '"';
+}
+
 class TShellText {
  public:
   TShellText(std::string_view text, const TDateTimeText& dates, int depth = 0)
@@ -98,30 +171,82 @@ class TShellText {
 
   std::string rewrite() {
     out_.reserve(text_.size());
-    while (at_ < text_.size()) {
-      if (text_[at_] == '"')
-        copyTo(endOfString(text_, at_));
-      else if (isWordByte(text_[at_]))
-        word();
-      else
-        copyTo(at_ + 1);
-    }
+    while (at_ < text_.size()) step();
     return std::move(out_);
   }
 
  private:
-  void copyTo(std::size_t end) {
+  void step() {
+    const char c = text_[at_];
+    if (c == '"') return copyTo(endOfString(text_, at_), true);
+    if (isWordByte(c)) return word();
+    if (valueExpected() && (c == '\'' || c == '`')) return singleQuoted();
+    if (valueExpected() && c == '/') return regex();
+    if (c == '{' || c == '[') open_.push_back(c);
+    if ((c == '}' || c == ']') && !open_.empty()) open_.pop_back();
+    if (c != ' ' && c != '\t' && c != '\r' && c != '\n') last_ = c;
+    copyTo(at_ + 1, false);
+  }
+
+  /// Whether a value or a name may begin here: within a document or list, behind what comes before one.
+  [[nodiscard]] bool valueExpected() const {
+    return !open_.empty() && (last_ == '{' || last_ == '[' || last_ == ',' || last_ == ':');
+  }
+
+  void copyTo(std::size_t end, bool value) {
     out_.append(text_, at_, end - at_);
     at_ = end;
+    if (value) last_ = '"';
+  }
+
+  void put(std::string_view json, std::size_t end) {
+    out_ += json;
+    at_ = end;
+    last_ = '"';
   }
 
   void word() {
     std::size_t end = at_;
     while (end < text_.size() && isWordByte(text_[end])) ++end;
     const std::string_view name = text_.substr(at_, end - at_);
+    if (isName(end)) return put(quoted(std::string(name)), end);
     if (name == "NaN" || name == "Infinity") return notFinite(name);
     if (end < text_.size() && text_[end] == '(' && wrapper(name, end)) return;
-    copyTo(end);
+    constexpr std::string_view binary = ".createFromBase64";
+    if (name == "Binary" && text_.substr(end).starts_with(binary) &&
+        text_.substr(end + binary.size()).starts_with('(') && wrapper(name, end + binary.size()))
+      return;
+    if (valueExpected() && name == "undefined") return put("null", end);
+    if (valueExpected() && (name == "MinKey" || name == "MaxKey")) return put(quoted(std::string(name)), end);
+    copyTo(end, true);
+  }
+
+  /// Today's shell leaves out the quotes of names.
+  [[nodiscard]] bool isName(std::size_t end) const {
+    if (open_.empty() || open_.back() != '{' || (last_ != '{' && last_ != ',')) return false;
+    while (end < text_.size() && text_[end] == ' ') ++end;
+    return end < text_.size() && text_[end] == ':';
+  }
+
+  void singleQuoted() {
+    const std::size_t end = endOfString(text_, at_);
+    // One that its line does not end is no text.
+    if (end < at_ + 2 || text_[end - 1] != text_[at_]) return copyTo(at_ + 1, false);
+    put(fromSingleQuotes(text_.substr(at_ + 1, end - at_ - 2)), end);
+  }
+
+  void regex() {
+    std::size_t end = at_ + 1;
+    for (bool inClass = false; end < text_.size() && text_[end] != '\n'; ++end) {
+      if (text_[end] == '/' && !inClass) break;
+      if (text_[end] == '[') inClass = true;
+      if (text_[end] == ']') inClass = false;
+      if (text_[end] == '\\') ++end;
+    }
+    if (end >= text_.size() || text_[end] != '/') return copyTo(at_ + 1, false);
+    ++end;
+    while (end < text_.size() && isWordByte(text_[end])) ++end;
+    put(quoted(std::string(text_.substr(at_, end - at_))), end);
   }
 
   /// The blank before the word goes with it.
@@ -134,24 +259,33 @@ class TShellText {
     if (!out_.empty() && out_.back() == ' ') out_.pop_back();
     out_.append("\"").append(sign).append(name).append("\"");
     at_ += name.size();
+    last_ = '"';
   }
 
   bool wrapper(std::string_view name, std::size_t open) {
-    static constexpr std::array<std::string_view, 5> names{"NumberLong", "NumberInt", "ISODate", "ObjectId",
-                                                           "BinData"};
+    static constexpr std::array<std::string_view, 18> names{
+        "NumberLong", "NumberInt", "NumberDecimal", "Long",    "Int32",  "Double",
+        "Decimal128", "ISODate",   "ObjectId",      "BinData", "Binary", "UUID",
+        "Timestamp",  "MinKey",    "MaxKey",        "DBRef",   "Code",   "BSONSymbol"};
     if (std::find(names.begin(), names.end(), name) == names.end()) return false;
     if (!brackets_) brackets_.emplace(text_);
     const std::size_t close = brackets_->closing(open);
     if (close == none) return false;
-    out_ += rewritten(name, text_.substr(open + 1, close - open - 1));
-    at_ = close + 1;
+    put(rewritten(name, text_.substr(open + 1, close - open - 1)), close + 1);
     return true;
   }
 
   std::string rewritten(std::string_view name, std::string_view argument) const {
     if (name == "ISODate") return isoDate(argument, dates_);
     if (name == "BinData") return binData(argument);
+    if (name == "Binary") return quoted(std::string(binaryMarker) + firstText(argument));
     if (name == "ObjectId") return objectId(argument);
+    if (name == "UUID") return uuid(argument);
+    if (name == "Timestamp") return timestamp(argument, dates_);
+    if (name == "MinKey" || name == "MaxKey") return quoted(std::string(name));
+    if (name == "Code" || name == "BSONSymbol") return quoted(firstText(argument));
+    if (name == "DBRef") return quoted("DBRef(" + std::string(argument) + ")");
+    if (name != "NumberLong" && name != "NumberInt") return number(argument);
     // No shell nests them; text that does must not exhaust the stack.
     constexpr int deepest = 20;
     if (depth_ == deepest) return withoutQuotes(argument);
@@ -163,6 +297,8 @@ class TShellText {
   int depth_;
   std::size_t at_ = 0;
   std::string out_;
+  char last_ = 0;     ///< the last byte that is no blank; a quote behind a value
+  std::string open_;  ///< the brackets of documents and lists around this place
   std::optional<TBrackets> brackets_;
 };
 

@@ -22,6 +22,8 @@ struct TStoreOptions {
   std::size_t bufferBytes = 1000000;  ///< read buffer of files
   bool ignoreNulls = true;            ///< leave null columns out of rows
   const TStopFlag* stop = nullptr;    ///< waiting for the store ends soon after this is set
+  /// Takes a line for the log: something that is no fault, but that a user should know. May be empty.
+  std::function<void(const std::string&)> remark;
 };
 
 /// Takes the rows of a nested query one by one; false means that no more are wanted.
@@ -42,6 +44,9 @@ class TSourceReader {
   virtual std::string rowText() = 0;
   /// Bytes read so far of the root source, for a store that counts bytes; nothing: rows count.
   [[nodiscard]] virtual std::optional<std::int64_t> position() const { return std::nullopt; }
+  /// Whether the reader reads its share by a measure of its own (a range of keys), not by row numbers: it
+  /// then may have more or fewer rows than the share says. Asked after openRoot().
+  [[nodiscard]] virtual bool keepsItsShare() const { return false; }
   /// Runs a query whose parameters are bound from the parent row (its fields as they were read) and hands
   /// over its rows. Throws TStoreError (Read): the parent row is lost.
   virtual void nested(const TDataSource& source, const TObject& parent, const TRowSink& row) = 0;
@@ -103,6 +108,9 @@ class TStoreConnector {
 
   /// Rows (or bytes) of a root data source. Throws TStoreError.
   virtual std::int64_t count(const TStoreOptions& options, const TDataSource& source) const = 0;
+  /// Whether a definition can be a query of this store, as far as its text alone tells: empty when it can,
+  /// else what is wrong and where. Asked while it is written, so it is quick and reaches for no server.
+  [[nodiscard]] virtual std::string checkQuery(const TValue& /*definition*/) const { return {}; }
   /// What the store asks of root data sources before a run; empty when all is well, else the message.
   [[nodiscard]] virtual std::string checkRootSource(const TDataSource& /*source*/, int /*degree*/) const {
     return {};

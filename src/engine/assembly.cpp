@@ -116,7 +116,9 @@ bool readsSameField(std::string_view a, std::string_view b) {
   return a.starts_with(b) || b.starts_with(a);
 }
 
-TNodePlan planNode(const TMapNode& node) {
+}  // namespace
+
+TNodePlan makeNodePlan(const TMapNode& node) {
   TNodePlan plan;
   plan.source = trimmed(node.source);
   plan.target = trimmed(node.target);
@@ -131,10 +133,8 @@ TNodePlan planNode(const TMapNode& node) {
   return plan;
 }
 
-}  // namespace
-
 TNodePlan makePlan(const TMapNode& node) {
-  TNodePlan plan = planNode(node);
+  TNodePlan plan = makeNodePlan(node);
   for (const TMapNode& child : node.children) plan.children.push_back(makePlan(child));
   for (std::size_t i = 0; i < plan.children.size(); ++i) {
     TNodePlan& child = plan.children[i];
@@ -150,39 +150,58 @@ TAssembler::TAssembler(bool ignoreNulls, const TDateTimeText& dates, TNestedQuer
     : ignoreNulls_(ignoreNulls), dates_(dates), nested_(std::move(nested)) {}
 
 void TAssembler::process(const TNodePlan& node, const std::string& dataSource, TObject& row) {
+  faultPath_.clear();
+  assemble(node, dataSource, row);
+}
+
+void TAssembler::assemble(const TNodePlan& node, const std::string& dataSource, TObject& row) {
   if (node.children.empty()) return;
+  std::size_t at = 0;
+  try {
+    TObject document = makeDocument(node, dataSource, row, at);
+    if (TValue* kept = row.find(dataObjectField))
+      document.add(std::string(dataObjectField), std::move(*kept));
+    row = std::move(document);
+  } catch (...) {
+    faultPath_.insert(faultPath_.begin(), at);
+    throw;
+  }
+}
+
+/// at is the place of the child in work.
+TObject TAssembler::makeDocument(const TNodePlan& node, const std::string& dataSource, TObject& row,
+                                 std::size_t& at) {
   // Nested queries and groups see the row as it was read, so they come before any field is moved.
   TNestedValues nested;
-  if (node.queriesBelow) nested = queryChildren(node, dataSource, row);
+  if (node.queriesBelow) nested = queryChildren(node, dataSource, row, at);
   TObject document;
   document.reserve(node.children.size() + 1);
-  for (std::size_t i = 0; i < node.children.size(); ++i) {
-    const TNodePlan& child = node.children[i];
+  for (at = 0; at < node.children.size(); ++at) {
+    const TNodePlan& child = node.children[at];
     if (!isDataSource(child.type))
       addField(document, child, row);
-    else if (nested[i].first)
+    else if (nested[at].first)
       document.add(
           child.type == TTargetType::LinkedData ? child.target + std::string(linkedDataSuffix) : child.target,
-          std::move(nested[i].second));
+          std::move(nested[at].second));
     else
       addNull(document, child.target);
   }
-  if (TValue* kept = row.find(dataObjectField)) document.add(std::string(dataObjectField), std::move(*kept));
-  row = std::move(document);
+  return document;
 }
 
 /// For each child that is a data source its rows, and whether there is a value at all.
 TAssembler::TNestedValues TAssembler::queryChildren(const TNodePlan& node, const std::string& dataSource,
-                                                    const TObject& row) {
+                                                    const TObject& row, std::size_t& at) {
   TNestedValues values(node.children.size());
-  for (std::size_t i = 0; i < node.children.size(); ++i) {
-    const TNodePlan& child = node.children[i];
+  for (at = 0; at < node.children.size(); ++at) {
+    const TNodePlan& child = node.children[at];
     if (!isDataSource(child.type)) continue;
     TList rows = rowsOf(child, dataSource, row);
     if (child.type != TTargetType::DataSourceObject)
-      values[i] = {true, TValue(std::move(rows))};
+      values[at] = {true, TValue(std::move(rows))};
     else if (!rows.empty())
-      values[i] = {true, std::move(rows.front())};
+      values[at] = {true, std::move(rows.front())};
   }
   return values;
 }
@@ -192,7 +211,7 @@ TList TAssembler::rowsOf(const TNodePlan& child, const std::string& dataSource, 
   TList rows;
   for (const std::string& name : child.dataSources) {
     const TRowSink take = [&](TObject&& nestedRow) {
-      process(child, name, nestedRow);
+      assemble(child, name, nestedRow);
       rows.emplace_back(std::move(nestedRow));
       return !onlyFirst;
     };

@@ -31,6 +31,8 @@ struct TNodePlan {
 
 /// Throws TStoreError (DataSource) for a target type that is not known.
 TNodePlan makePlan(const TMapNode& node);
+/// The same for the node alone, without its children.
+TNodePlan makeNodePlan(const TMapNode& node);
 
 /// Runs a nested query for the assembler: data source name, parent row, row taker. Throws TStoreError.
 using TNestedQuery = std::function<void(const std::string& name, const TObject& parent, const TRowSink& row)>;
@@ -44,11 +46,17 @@ class TAssembler {
   /// The row of a data source becomes the document of the node. The members of the document stand in the
   /// order of the node's children. Throws std::runtime_error when the row cannot be assembled.
   void process(const TNodePlan& node, const std::string& dataSource, TObject& row);
+  /// The node at which the last process() failed, as places from the node that it was given downwards;
+  /// empty: the node itself, or nothing failed.
+  [[nodiscard]] const std::vector<std::size_t>& faultPath() const { return faultPath_; }
 
  private:
   using TNestedValues = std::vector<std::pair<bool, TValue>>;
 
-  TNestedValues queryChildren(const TNodePlan& node, const std::string& dataSource, const TObject& row);
+  void assemble(const TNodePlan& node, const std::string& dataSource, TObject& row);
+  TObject makeDocument(const TNodePlan& node, const std::string& dataSource, TObject& row, std::size_t& at);
+  TNestedValues queryChildren(const TNodePlan& node, const std::string& dataSource, const TObject& row,
+                              std::size_t& at);
   TList rowsOf(const TNodePlan& child, const std::string& dataSource, const TObject& row);
   void addField(TObject& document, const TNodePlan& child, TObject& row);
   void addConverted(TObject& document, const TNodePlan& child, TValue&& value);
@@ -60,6 +68,7 @@ class TAssembler {
   const TDateTimeText& dates_;
   TNestedQuery nested_;
   TJsonReader json_;
+  std::vector<std::size_t> faultPath_;
 };
 
 }  // namespace hollowmere

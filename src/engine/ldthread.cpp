@@ -77,6 +77,7 @@ void TLdThread::initConnections() {
   options.bufferBytes = config_.bufferBytes;
   options.ignoreNulls = config_.ignoreNulls;
   options.stop = &stop_;
+  options.remark = [this](const std::string& line) { log(line); };
   options.connection = config_.sourceConnection;
   reader_ = source->connectSource(options);
   options.connection = config_.targetConnection;
@@ -181,7 +182,7 @@ bool TLdThread::loadRow() {
 
 std::optional<TObject> TLdThread::getJsonObj() {
   // One row beyond the share is asked for: the reader knows its own bounds.
-  if (share_.rows && rowsRead_ > *share_.rows) return std::nullopt;
+  if (share_.rows && !reader_->keepsItsShare() && rowsRead_ > *share_.rows) return std::nullopt;
   ++rowsRead_;
   std::optional<TObject> row = reader_->next();
   position_.store(positionBefore_ + reader_->position().value_or(rowsRead_), std::memory_order_relaxed);

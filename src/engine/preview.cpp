@@ -20,9 +20,11 @@ const TDataSource& findSource(const std::vector<TDataSource>& sources, const std
 /// Fills the row; false at the end of the source.
 bool readRow(TSourceReader& reader, TAssembler& assembler, const TNodePlan& plan, bool ignoreNulls,
              TPreviewRow& row) {
+  bool assembling = false;
   try {
     std::optional<TObject> read = reader.next();
     if (!read) return false;
+    assembling = true;
     assembler.process(plan, plan.source, *read);
     if (ignoreNulls) removeNulls(*read);
     row.document = std::move(*read);
@@ -32,6 +34,7 @@ bool readRow(TSourceReader& reader, TAssembler& assembler, const TNodePlan& plan
   } catch (const std::exception& error) {
     row.error = error.what();
   }
+  if (assembling && !row.error.empty()) row.errorPath = assembler.faultPath();
   row.rowText = reader.rowText();
   return true;
 }

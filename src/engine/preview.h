@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "connectors/datetimetext.h"
 #include "connectors/storeapi.h"
@@ -15,7 +16,8 @@ struct TPreviewRow {
   std::int64_t number = 0;  ///< from 1
   std::string rowText;
   TObject document;
-  std::string error;  ///< empty when there is a document
+  std::string error;                   ///< empty when there is a document
+  std::vector<std::size_t> errorPath;  ///< to the node that failed, below the root; empty: the root itself
 };
 
 /// Reads the first rows of one root mapping and assembles them; nothing is written. The taker gives false

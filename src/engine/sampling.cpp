@@ -12,16 +12,47 @@ namespace {
 constexpr std::size_t sampledRows = 20;
 constexpr int deepestPath = 6;
 
-using TFields = std::map<std::vector<std::size_t>, std::vector<std::string>>;
+using TFields = std::map<std::vector<std::size_t>, std::vector<TSampledField>>;
 
-void addNames(std::vector<std::string>& names, const TObject& row, const std::string& prefix, int depth) {
-  for (const TMember& member : row) {
-    const std::string name = prefix + member.name;
-    if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
-    if (member.value.is(TKind::Object) && depth < deepestPath)
-      addNames(names, member.value.asObject(), name + ".", depth + 1);
+/// Decimals stay texts: a number might not hold their digits.
+TTargetType keepingType(TKind kind) {
+  switch (kind) {
+    case TKind::Boolean: return TTargetType::Boolean;
+    case TKind::Int:
+    case TKind::Double: return TTargetType::Number;
+    case TKind::DateTime: return TTargetType::DateTime;
+    case TKind::Binary: return TTargetType::Binary;
+    case TKind::List: return TTargetType::JsonList;
+    case TKind::Object: return TTargetType::JsonObject;
+    default: return TTargetType::String;
   }
 }
+
+/// Fields with the kind that was seen of each, Null as long as there was none.
+class TFieldList {
+ public:
+  void add(const TObject& row, const std::string& prefix = {}, int depth = 0) {
+    for (const TMember& member : row) {
+      const std::string name = prefix + member.name;
+      const auto [place, isNew] = places_.try_emplace(name, seen_.size());
+      if (isNew) seen_.push_back({name, TKind::Null});
+      TKind& kind = seen_[place->second].second;
+      if (kind == TKind::Null) kind = member.value.kind();
+      if (member.value.is(TKind::Object) && depth < deepestPath)
+        add(member.value.asObject(), name + ".", depth + 1);
+    }
+  }
+
+  [[nodiscard]] std::vector<TSampledField> fields() const {
+    std::vector<TSampledField> fields;
+    for (const auto& [name, kind] : seen_) fields.push_back({name, keepingType(kind)});
+    return fields;
+  }
+
+ private:
+  std::vector<std::pair<std::string, TKind>> seen_;
+  std::map<std::string, std::size_t> places_;
+};
 
 class TSampler {
  public:
@@ -30,7 +61,7 @@ class TSampler {
 
   void sample(const TNodePlan& node, const std::string& source, const std::vector<TObject>& rows,
               const std::vector<std::size_t>& path) {
-    fields[path] = fieldNames(rows);
+    fields[path] = sampledFields(rows);
     for (std::size_t i = 0; i < node.children.size(); ++i) {
       const TNodePlan& child = node.children[i];
       if (child.dataSources.empty()) continue;
@@ -69,13 +100,13 @@ class TSampler {
 
 }  // namespace
 
-std::vector<std::string> fieldNames(const std::vector<TObject>& rows) {
-  std::vector<std::string> names;
-  for (const TObject& row : rows) addNames(names, row, "", 0);
-  return names;
+std::vector<TSampledField> sampledFields(const std::vector<TObject>& rows) {
+  TFieldList list;
+  for (const TObject& row : rows) list.add(row);
+  return list.fields();
 }
 
-std::map<std::vector<std::size_t>, std::vector<std::string>> sampleFields(
+std::map<std::vector<std::size_t>, std::vector<TSampledField>> sampleFields(
     TSourceReader& reader, const std::vector<TDataSource>& sources, const TMapNode& mapping) {
   const auto root = std::find_if(sources.begin(), sources.end(),
                                  [&](const TDataSource& one) { return one.name == mapping.source; });

@@ -242,14 +242,17 @@ std::string TProjectEditor::addAttribute(const TNodePath& parent) {
   return {};
 }
 
-std::string TProjectEditor::addFields(const TNodePath& parent, const std::vector<std::string>& fields) {
+std::string TProjectEditor::addFields(const TNodePath& parent, const std::vector<TSampledField>& fields) {
   const TMapNode* node = nodeAt(std::as_const(project_.mapping), parent);
   if (!node) return edittexts::noNode;
   std::vector<TMapNode> added;
-  for (const std::string& field : fields) {
+  for (const auto& [name, sampledType] : fields) {
     const bool there = std::any_of(node->children.begin(), node->children.end(),
-                                   [&](const TMapNode& child) { return child.source == field; });
-    if (!there) added.push_back({field, field, std::string(targetTypeText(TTargetType::String)), {}});
+                                   [&](const TMapNode& child) { return child.source == name; });
+    // A database without nested values takes them as texts.
+    const bool asText = isFlat(project_.target.dbType) && isNestedType(sampledType);
+    const TTargetType type = asText ? TTargetType::String : sampledType;
+    if (!there) added.push_back({name, name, std::string(targetTypeText(type)), {}});
   }
   if (added.empty()) return {};
   beginChange();

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "connectors/storeregistry.h"
+#include "engine/sampling.h"
 #include "project/maptree.h"
 #include "project/projectmodel.h"
 
@@ -54,7 +55,7 @@ class TProjectEditor {
   /// Behind the node's last child.
   std::string addAttribute(const TNodePath& parent);
   /// One child for each field that no child has as its source yet.
-  std::string addFields(const TNodePath& parent, const std::vector<std::string>& fields);
+  std::string addFields(const TNodePath& parent, const std::vector<TSampledField>& fields);
   std::string deleteNode(const TNodePath& path);
   void clearMapping();
   void moveUp(const TNodePath& path);

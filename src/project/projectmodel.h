@@ -93,19 +93,6 @@ inline constexpr std::array<TProjectSideField, 2> projectSides = {{
      "vgGeneralTargetConn"},
 }};
 
-/// The target types of mapping nodes, in the order in which they are offered.
-inline constexpr std::array<std::string_view, 11> mapTargetTypes = {"String",
-                                                                    "Number",
-                                                                    "Boolean",
-                                                                    "DateTime",
-                                                                    "Binary",
-                                                                    "Data Source (JSON Object)",
-                                                                    "Data Source (JSON List)",
-                                                                    "JSON Object",
-                                                                    "JSON List",
-                                                                    "JSON from XML",
-                                                                    "Linked Data"};
-
 /// A project as "New Project" makes it.
 TProject newProject(const TSettings& settings, const TDataFolder& folder);
 

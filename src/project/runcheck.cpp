@@ -1,6 +1,8 @@
 #include "project/runcheck.h"
 
 #include <algorithm>
+#include <optional>
+#include <unordered_map>
 
 #include "engine/assembly.h"
 #include "engine/targettype.h"
@@ -23,41 +25,93 @@ bool targetExists(const TProject& project, const std::string& name) {
 
 std::string quoted(const std::string& text) { return "\"" + text + "\""; }
 
-bool writeSameAttribute(const TNodePlan& a, const TNodePlan& b) {
-  // However it is written, the identifier becomes "_id".
-  return a.target == b.target || (a.isId && b.isId);
-}
+/// Walks the tree and gathers what is wrong, in the order in which a start looks.
+class TFaultFinder {
+ public:
+  TFaultFinder(const TProject& project, const TStoreConnector* target) : project_(project), target_(target) {}
 
-/// Two children of one node that write the same attribute: one of them would be lost.
-std::string checkTargetsApart(const TNodePlan& node) {
-  for (auto second = node.children.begin(); second != node.children.end(); ++second) {
-    const auto first = std::find_if(node.children.begin(), second, [&](const TNodePlan& other) {
-      return writeSameAttribute(other, *second);
-    });
-    if (first != second)
-      return "The source attributes " + quoted(first->source) + " and " + quoted(second->source) + " of " +
-             quoted(node.source) + " are both mapped to the target attribute " + quoted(second->target) + ".";
+  std::vector<TMappingFault> faults;
+
+  void checkRoot(std::size_t place) {
+    const TMapNode& root = project_.mapping[place];
+    const TNodePath path{place};
+    if (!targetExists(project_, root.target)) add(path, runtexts::noTarget + root.target);
+    checkType(root, path);
+    if (target_) checkRequired(root, path);
+    if (!sourceExists(project_, root.source)) add(path, missingSource(root.source));
+    checkChildren(root, path);
   }
-  return {};
-}
 
-std::string checkNode(const TProject& project, const TNodePlan& node) {
-  if (std::string fault = checkTargetsApart(node); !fault.empty()) return fault;
-  for (const TNodePlan& child : node.children) {
-    if (child.target.empty())
-      return "The source attribute " + quoted(child.source) + " of " + quoted(node.source) +
-             " is mapped to no target attribute.";
-    for (const std::string& name : child.dataSources)
-      if (!sourceExists(project, name))
-        return "Data source " + quoted(name) + " is not found or not defined.";
-    if (std::string fault = checkNode(project, child); !fault.empty()) return fault;
+ private:
+  static std::string missingSource(const std::string& name) {
+    return "Data source " + quoted(name) + " is not found or not defined.";
   }
-  return {};
-}
 
-bool maps(const TNodePlan& node, const std::string& field) {
-  return std::any_of(node.children.begin(), node.children.end(),
-                     [&](const TNodePlan& child) { return equalIgnoringCase(child.target, field); });
+  void add(const TNodePath& path, std::string message) { faults.push_back({path, std::move(message)}); }
+
+  void checkRequired(const TMapNode& root, const TNodePath& path) {
+    const auto& required = target_->traits().requiredField;
+    const auto maps = [&](const TMapNode& child) {
+      return equalIgnoringCase(makeNodePlan({child.target, child.source, {}, {}}).target, required->name);
+    };
+    if (required && std::none_of(root.children.begin(), root.children.end(), maps))
+      add(path, required->message + root.target);
+  }
+
+  /// The plan of a node, or nothing when its type is not known.
+  std::optional<TNodePlan> checkType(const TMapNode& node, const TNodePath& path) {
+    try {
+      return makeNodePlan(node);
+    } catch (const TStoreError& error) {
+      add(path, error.what());
+      return std::nullopt;
+    }
+  }
+
+  /// Two children of one node that write the same attribute: one of them would be lost.
+  void checkChildren(const TMapNode& node, const TNodePath& path) {
+    std::unordered_map<std::string, std::string> sourceOf;
+    std::vector<std::optional<TNodePlan>> plans(node.children.size());
+    const std::string source = quoted(node.source);
+    TNodePath at = path;
+    at.push_back(0);
+    for (; at.back() < node.children.size(); ++at.back()) {
+      const auto& plan = plans[at.back()] = checkType(node.children[at.back()], at);
+      if (!plan) continue;
+      // However it is written, the identifier becomes "_id".
+      const auto [first, isNew] = sourceOf.emplace(plan->isId ? "_id" : plan->target, plan->source);
+      if (!isNew)
+        add(at, "The source attributes " + quoted(first->second) + " and " + quoted(plan->source) + " of " +
+                    source + " are both mapped to the target attribute " + quoted(plan->target) + ".");
+    }
+    for (at.back() = 0; at.back() < node.children.size(); ++at.back())
+      if (plans[at.back()]) checkChild(node.children[at.back()], *plans[at.back()], source, at);
+  }
+
+  void checkChild(const TMapNode& child, const TNodePlan& plan, const std::string& source,
+                  const TNodePath& path) {
+    if (plan.target.empty())
+      add(path, "The source attribute " + quoted(plan.source) + " of " + source +
+                    " is mapped to no target attribute.");
+    for (const std::string& name : plan.dataSources)
+      if (!sourceExists(project_, name)) add(path, missingSource(name));
+    if (!child.children.empty()) checkChildren(child, path);
+  }
+
+  const TProject& project_;
+  const TStoreConnector* target_;
+};
+
+/// What the source asks of the data sources of root mappings, once each.
+void checkRootSources(const TProject& project, const TStoreConnector& source,
+                      std::vector<TMappingFault>& faults) {
+  for (const TDataSource& data : project.dataSources) {
+    const auto root = std::find_if(project.mapping.begin(), project.mapping.end(),
+                                   [&](const TMapNode& node) { return node.source == data.name; });
+    if (root == project.mapping.end()) continue;
+    if (std::string fault = source.checkRootSource(data, static_cast<int>(project.degree)); !fault.empty())
+      faults.push_back({{static_cast<std::size_t>(root - project.mapping.begin())}, std::move(fault)});
+  }
 }
 
 std::string checkTypes(const TProject& project, const TStoreConnector* source,
@@ -126,30 +180,18 @@ std::string checkProject(const TProject& project, const TStoreRegistry& stores, 
   return checkMapping(project, *source, *target);
 }
 
+std::vector<TMappingFault> mappingFaults(const TProject& project, const TStoreConnector* source,
+                                         const TStoreConnector* target) {
+  TFaultFinder finder(project, target);
+  for (std::size_t place = 0; place < project.mapping.size(); ++place) finder.checkRoot(place);
+  if (source) checkRootSources(project, *source, finder.faults);
+  return std::move(finder.faults);
+}
+
 std::string checkMapping(const TProject& project, const TStoreConnector& source,
                          const TStoreConnector& target) {
-  for (const TMapNode& root : project.mapping) {
-    if (!targetExists(project, root.target)) return runtexts::noTarget + root.target;
-    TNodePlan plan;
-    try {
-      plan = makePlan(root);
-    } catch (const TStoreError& error) {
-      return error.what();
-    }
-    if (const auto& required = target.traits().requiredField; required && !maps(plan, required->name))
-      return required->message + root.target;
-    if (!sourceExists(project, root.source))
-      return "Data source " + quoted(root.source) + " is not found or not defined.";
-    if (std::string fault = checkNode(project, plan); !fault.empty()) return fault;
-  }
-  for (const TDataSource& data : project.dataSources) {
-    const bool isRoot = std::any_of(project.mapping.begin(), project.mapping.end(),
-                                    [&](const TMapNode& root) { return root.source == data.name; });
-    if (!isRoot) continue;
-    if (std::string fault = source.checkRootSource(data, static_cast<int>(project.degree)); !fault.empty())
-      return fault;
-  }
-  return {};
+  const auto faults = mappingFaults(project, &source, &target);
+  return faults.empty() ? std::string() : faults.front().message;
 }
 
 }  // namespace hollowmere

@@ -2,8 +2,10 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "connectors/storeregistry.h"
+#include "project/maptree.h"
 #include "project/projectmodel.h"
 
 namespace hollowmere {
@@ -19,7 +21,17 @@ std::string checkProject(const TProject& project, const TStoreRegistry& stores, 
                          const TStopFlag* stop,
                          const std::function<void(const std::function<void()>&)>& background);
 
-/// The part of it that needs no connection: the mapping against the lists.
+/// What is wrong at a node of the mapping tree.
+struct TMappingFault {
+  TNodePath path;
+  std::string message;
+};
+
+/// The part of it that needs no connection, the mapping against the lists: all faults, the one that a start
+/// names first. A side without a connector is not asked.
+std::vector<TMappingFault> mappingFaults(const TProject& project, const TStoreConnector* source,
+                                         const TStoreConnector* target);
+/// The message of the first, or empty.
 std::string checkMapping(const TProject& project, const TStoreConnector& source,
                          const TStoreConnector& target);
 

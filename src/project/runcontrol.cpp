@@ -128,7 +128,16 @@ void TRunControl::countSources() {
     log(runtexts::rootSource + source.name + runtexts::returns + std::to_string(source.count) + unit);
     // Each of its mappings reads the source once.
     maximum_ += source.count * mappings;
+    addShares(source.count, mappings);
   }
+}
+
+/// The last thread takes what is left over.
+void TRunControl::addShares(std::int64_t count, std::int64_t times) {
+  shares_.resize(static_cast<std::size_t>(project_.degree));
+  const std::int64_t share = count / project_.degree;
+  for (std::int64_t& each : shares_) each += share * times;
+  shares_.back() += (count - share * project_.degree) * times;
 }
 
 void TRunControl::makeThreads() {
@@ -187,7 +196,8 @@ TRunProgress TRunControl::progress() const {
 std::vector<TThreadProgress> TRunControl::threads() const {
   std::vector<TThreadProgress> threads;
   for (const auto& load : loads_)
-    threads.push_back({load->label(), load->counts(), !load->finished(), load->failed()});
+    threads.push_back({load->label(), load->counts(), !load->finished(), load->failed(), load->position(),
+                       threads.size() < shares_.size() ? shares_[threads.size()] : 0});
   return threads;
 }
 

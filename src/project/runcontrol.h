@@ -60,6 +60,8 @@ struct TThreadProgress {
   TLoadCounts counts;
   bool running = false;
   bool failed = false;
+  std::int64_t done = 0;     ///< rows, or bytes where the source counts bytes
+  std::int64_t maximum = 0;  ///< of done; 0 when it is not known
 };
 
 /// The counts of one root mapping.
@@ -114,6 +116,7 @@ class TRunControl : private TLoadHost {
   void writeLine(TAppendFile& file, const std::string& line);
   void initialise();
   void countSources();
+  void addShares(std::int64_t count, std::int64_t times);
   void makeThreads();
   void startThreads();
   void checkThresholds(const TLoadCounts& counts);
@@ -137,6 +140,7 @@ class TRunControl : private TLoadHost {
   std::vector<std::jthread> threads_;  // after loads_: joined before these go
   std::vector<TMappingResult> results_;
   std::int64_t maximum_ = 0;
+  std::vector<std::int64_t> shares_;  ///< of maximum_, by thread
   std::int64_t startTicks_ = 0;
   std::int64_t endTicks_ = 0;
   std::string fileFault_;  ///< why the log or discard file cannot be written any more

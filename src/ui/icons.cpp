@@ -47,6 +47,21 @@ void left(QPainter& p) { p.drawPolyline(QPolygonF({{9, 4}, {5, 8}, {9, 12}})); }
 
 void right(QPainter& p) { p.drawPolyline(QPolygonF({{7, 4}, {11, 8}, {7, 12}})); }
 
+void toFirst(QPainter& p) {
+  p.drawLine(QPointF(4, 4), QPointF(4, 12));
+  p.drawPolyline(QPolygonF({{11, 4}, {7, 8}, {11, 12}}));
+}
+
+void toLast(QPainter& p) {
+  p.drawLine(QPointF(12, 4), QPointF(12, 12));
+  p.drawPolyline(QPolygonF({{5, 4}, {9, 8}, {5, 12}}));
+}
+
+void copies(QPainter& p) {
+  p.drawRect(QRectF(3, 3, 7, 8));
+  p.drawPolyline(QPolygonF({{12, 5}, {13, 5}, {13, 13}, {6, 13}, {6, 12.5}}));
+}
+
 void back(QPainter& p) {
   p.drawArc(QRectF(4, 5, 8, 8), -60 * 16, 210 * 16);
   p.drawPolyline(QPolygonF({{3, 5}, {4.5, 8.5}, {8, 7}}));
@@ -94,6 +109,25 @@ void lines(QPainter& p) {
   for (int y = 4; y <= 12; y += 4) p.drawLine(QPointF(3, y), QPointF(13, y));
 }
 
+/// The program itself: a store that flows into a document.
+void program(QPainter& p) {
+  p.drawEllipse(QRectF(1.5, 3, 6, 3));
+  p.drawLine(QPointF(1.5, 4.5), QPointF(1.5, 11.5));
+  p.drawLine(QPointF(7.5, 4.5), QPointF(7.5, 11.5));
+  p.drawArc(QRectF(1.5, 10, 6, 3), 180 * 16, 180 * 16);
+  p.drawPolyline(QPolygonF({{9, 5.5}, {11, 8}, {9, 10.5}}));
+  p.drawPolyline(QPolygonF({{12, 3}, {14.5, 3}, {14.5, 13}, {12, 13}}));
+}
+
+/// A mapping: fields of one side joined with those of the other.
+void mapping(QPainter& p) {
+  p.drawRect(QRectF(2, 3, 4, 4));
+  p.drawRect(QRectF(10, 3, 4, 4));
+  p.drawRect(QRectF(10, 10, 4, 4));
+  p.drawLine(QPointF(6, 5), QPointF(10, 5));
+  p.drawPolyline(QPolygonF({{8, 5}, {8, 12}, {10, 12}}));
+}
+
 void outside(QPainter& p) {
   p.drawPolyline(QPolygonF({{8, 4}, {3, 4}, {3, 13}, {12, 13}, {12, 8}}));
   p.drawLine(QPointF(7, 9), QPointF(13, 3));
@@ -128,6 +162,9 @@ const std::map<std::string, TDraw>& drawings() {
                                                   {"go-down", down},
                                                   {"go-previous", left},
                                                   {"go-next", right},
+                                                  {"go-first", toFirst},
+                                                  {"go-last", toLast},
+                                                  {"edit-copy", copies},
                                                   {"edit-undo", back},
                                                   {"edit-redo", forward},
                                                   {"edit-clear", cross},
@@ -138,7 +175,9 @@ const std::map<std::string, TDraw>& drawings() {
                                                   {"help-contents", question},
                                                   {"document-edit", pencil},
                                                   {"view-list-text", lines},
-                                                  {"application-exit", cross}};
+                                                  {"application-exit", cross},
+                                                  {"hollowmere", program},
+                                                  {"hollowmere-project", mapping}};
   return table;
 }
 

@@ -47,6 +47,8 @@ TAnswer TMessagePrompt::ask(TPromptKind kind, const std::string& text, TButtons 
                   QCoreApplication::translate("Messages", shown.toUtf8()), buttonsOf(buttons),
                   QApplication::activeWindow());
   box.setObjectName(QStringLiteral("messageBox"));
+  // A store's message must not be taken for markup.
+  box.setTextFormat(Qt::PlainText);
   box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   if (kind == TPromptKind::Error || kind == TPromptKind::Warning) {
     QPushButton* copy =

@@ -65,14 +65,26 @@ void prepare(TWindowContext& context, QPrinter& printer, const QString& title) {
 }
 
 /// Painting on a file that cannot be written ends in silence, so that is found out beforehand.
-bool print(QPrinter& printer, const QTextDocument& document) {
+bool print(QPrinter& printer, const TPaintPages& paint) {
   if (!printer.outputFileName().isEmpty() && !QFile(printer.outputFileName()).open(QIODevice::Append))
     return false;
-  document.print(&printer);
-  return printer.printerState() != QPrinter::Error;
+  return paint(printer) && printer.printerState() != QPrinter::Error;
+}
+
+TPaintPages pagesOf(const QTextDocument& document) {
+  return [&document](QPrinter& printer) {
+    document.print(&printer);
+    return true;
+  };
 }
 
 }  // namespace
+
+QPageLayout printedPage(TWindowContext& context) {
+  QPrinter printer(QPrinter::HighResolution);
+  prepare(context, printer, {});
+  return printer.pageLayout();
+}
 
 void pageSetup(TWindowContext& context, QWidget* parent) {
   QPrinter printer(QPrinter::HighResolution);
@@ -82,30 +94,38 @@ void pageSetup(TWindowContext& context, QWidget* parent) {
   if (dialog.exec() == QDialog::Accepted) savePage(context.store, printer.pageLayout());
 }
 
-bool printDocument(TWindowContext& context, QWidget* parent, const QTextDocument& document,
-                   const QString& title) {
+bool printPages(TWindowContext& context, QWidget* parent, const TPaintPages& paint, const QString& title) {
   QPrinter printer(QPrinter::HighResolution);
   prepare(context, printer, title);
   QPrintDialog dialog(&printer, parent);
   dialog.setObjectName(QStringLiteral("printDialog"));
   if (dialog.exec() != QDialog::Accepted) return false;
-  if (print(printer, document)) return true;
+  if (print(printer, paint)) return true;
   const QString where = printer.outputFileName().isEmpty() ? printer.printerName() : printer.outputFileName();
   context.prompt.error(
       QCoreApplication::translate("Messages", "Unable to print %1 to %2.").arg(title, where).toStdString());
   return false;
 }
 
-void previewDocument(TWindowContext& context, QWidget* parent, const QTextDocument& document,
-                     const QString& title) {
+void previewPages(TWindowContext& context, QWidget* parent, const TPaintPages& paint, const QString& title) {
   QPrinter printer(QPrinter::HighResolution);
   prepare(context, printer, title);
   QPrintPreviewDialog dialog(&printer, parent);
   dialog.setObjectName(QStringLiteral("printPreviewDialog"));
   dialog.setWindowTitle(QCoreApplication::translate("Messages", "Print Preview - %1").arg(title));
   QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
-                   [&document](QPrinter* onto) { document.print(onto); });
+                   [&paint](QPrinter* onto) { paint(*onto); });
   dialog.exec();
+}
+
+bool printDocument(TWindowContext& context, QWidget* parent, const QTextDocument& document,
+                   const QString& title) {
+  return printPages(context, parent, pagesOf(document), title);
+}
+
+void previewDocument(TWindowContext& context, QWidget* parent, const QTextDocument& document,
+                     const QString& title) {
+  previewPages(context, parent, pagesOf(document), title);
 }
 
 bool writePdf(TWindowContext& context, const QTextDocument& document, const QString& title,
@@ -114,7 +134,7 @@ bool writePdf(TWindowContext& context, const QTextDocument& document, const QStr
   prepare(context, printer, title);
   printer.setOutputFormat(QPrinter::PdfFormat);
   printer.setOutputFileName(fileName);
-  return print(printer, document);
+  return print(printer, pagesOf(document));
 }
 
 }  // namespace hollowmere

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QPageLayout>
 #include <QString>
+#include <functional>
 
+class QPrinter;
 class QTextDocument;
 class QWidget;
 
@@ -11,6 +14,16 @@ struct TWindowContext;
 
 /// Asks for paper and margins, and keeps them for everything that the program prints from now on.
 void pageSetup(TWindowContext& context, QWidget* parent);
+
+/// The paper and margins that everything is printed on.
+QPageLayout printedPage(TWindowContext& context);
+
+/// Paints pages onto a printer, beginning with its first page. False: it could not, or was stopped.
+using TPaintPages = std::function<bool(QPrinter& printer)>;
+
+/// As printDocument() and previewDocument() below, of pages that the caller paints.
+bool printPages(TWindowContext& context, QWidget* parent, const TPaintPages& paint, const QString& title);
+void previewPages(TWindowContext& context, QWidget* parent, const TPaintPages& paint, const QString& title);
 
 /// Asks for a printer (or a PDF file) and prints. False when the user has cancelled; a printer that fails is
 /// reported to the prompt, which gives false, too.

@@ -5,6 +5,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QShortcut>
 #include <QSpinBox>
 #include <QStyledItemDelegate>
 #include <QToolButton>
@@ -35,6 +36,10 @@ class TButtonEditor : public QWidget {
     button = new QToolButton(this);
     button->setText(QStringLiteral("..."));
     button->setAccessibleName(TPropertyGrid::tr("Choose %1").arg(caption));
+    button->setToolTip(TPropertyGrid::tr("F4"));
+    for (const QKeySequence& key : {QKeySequence(Qt::Key_F4), QKeySequence(Qt::ALT | Qt::Key_Down)})
+      connect(new QShortcut(key, this, nullptr, nullptr, Qt::WidgetWithChildrenShortcut),
+              &QShortcut::activated, button, [this] { button->click(); });
     layout->addWidget(line);
     layout->addWidget(button);
     setFocusProxy(line);
@@ -243,6 +248,9 @@ bool TPropertyGrid::commit(const QModelIndex& index, const QString& text) {
   Q_EMIT valueEdited(key, text);
   return true;
 }
+
+/// A key begins an edit, or does nothing: a search would let the next key edit another row.
+void TPropertyGrid::keyboardSearch(const QString&) {}
 
 /// Whatever cell of a row begins the edit, the value is what is edited.
 bool TPropertyGrid::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) {

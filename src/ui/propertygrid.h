@@ -31,7 +31,7 @@ struct TProperty {
 };
 
 /// Rows of captions and values under categories, edited in place: F2, a double click or typing begins, Enter
-/// ends, Escape takes back.
+/// ends, Escape takes back; F4 or Alt+Down presses the button of a row in edit.
 class TPropertyGrid : public QTreeWidget {
   Q_OBJECT
 
@@ -61,6 +61,7 @@ class TPropertyGrid : public QTreeWidget {
 
  protected:
   bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
+  void keyboardSearch(const QString& text) override;
 
  private:
   QTreeWidgetItem* itemOf(const QString& key) const;

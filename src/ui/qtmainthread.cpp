@@ -4,6 +4,7 @@
 #include <QEventLoop>
 #include <QProgressDialog>
 #include <QThread>
+#include <QTimer>
 #include <exception>
 #include <thread>
 
@@ -30,7 +31,8 @@ void TQtMainThread::pump(int milliseconds) {
                                   milliseconds);
 }
 
-void runWithWaitDialog(const QString& caption, const std::function<void()>& call, TStopFlag& stop) {
+void runWithWaitDialog(const QString& caption, const std::function<void()>& call, TStopFlag& stop,
+                       const std::function<QString()>& status) {
   std::exception_ptr error;
   QEventLoop loop;
   QProgressDialog dialog(caption, QCoreApplication::translate("Messages", "&Stop"), 0, 0,
@@ -43,6 +45,11 @@ void runWithWaitDialog(const QString& caption, const std::function<void()>& call
     stop.set();
     dialog.setLabelText(QCoreApplication::translate("Messages", "Stopping..."));
   });
+  QTimer telling;
+  QObject::connect(&telling, &QTimer::timeout, &dialog, [&] {
+    if (!stop.isSet()) dialog.setLabelText(caption + QLatin1Char('\n') + status());
+  });
+  if (status) telling.start(200);
   std::jthread worker([&] {
     try {
       call();

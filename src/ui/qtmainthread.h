@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <functional>
 
 #include "connectors/loadtypes.h"
 #include "settings/mainthread.h"
@@ -20,7 +21,8 @@ class TQtMainThread : public QObject, public TMainThread {
 
 /// Runs a call on a thread of its own while the windows stay alive, and returns when it is done. After a
 /// moment a small dialog says what is waited for and offers to stop, which sets the flag. An exception of
-/// the call comes through.
-void runWithWaitDialog(const QString& caption, const std::function<void()>& call, TStopFlag& stop);
+/// the call comes through. status, asked now and then on the main thread, says how far the call is.
+void runWithWaitDialog(const QString& caption, const std::function<void()>& call, TStopFlag& stop,
+                       const std::function<QString()>& status = {});
 
 }  // namespace hollowmere

@@ -13,8 +13,10 @@
 #include "settings/prompt.h"
 #include "settings/safefile.h"
 #include "settings/settings.h"
+#include "ui/browserregistry.h"
 
 class QSettings;
+class QWidget;
 
 namespace hollowmere {
 
@@ -35,6 +37,12 @@ struct TWindowContext {
   /// Asks whether a new connection is to be kept for later, and keeps it; set by the main window. May be
   /// empty.
   std::function<void(const ConnectionConfig&)> offerToKeep = {};
+  /// The connections that are kept; set by the main window. May be empty.
+  std::function<TConnectionList()> keptConnections = {};
+  /// Whether another window than this one shows the project file; set by the main window. May be empty.
+  std::function<bool(const QString& fileName, const QWidget& except)> isOpenElsewhere = {};
+  /// The stores that have a browser window.
+  TBrowserRegistry browsers = {};
 
   [[nodiscard]] TConnectionListFile connectionFile() const {
     return {folder.connectionListFile(), cipher, files};

@@ -2,22 +2,37 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QAction>
+#include <QApplication>
+#include <QDir>
 #include <QDragEnterEvent>
 #include <QDropEvent>
+#include <QElapsedTimer>
+#include <QFile>
 #include <QLineEdit>
 #include <QMdiArea>
 #include <QMenu>
+#include <QMessageBox>
 #include <QMimeData>
+#include <QRegularExpression>
+#include <QSignalSpy>
 #include <QTabBar>
+#include <QTabWidget>
 #include <QTest>
+#include <QTextBrowser>
+#include <QTimer>
 #include <QUrl>
 
+#include "app/ui/frmhelp.h"
+#include "app/ui/startup.h"
+#include "json/json.h"
 #include "project/projectfile.h"
 #include "project/runtexts.h"
 #include "project/ui/frmproject.h"
 #include "settings/ui/frmconnlist.h"
 #include "support/dialogwalk.h"
+#include "support/httppeer.h"
 #include "support/windowworld.h"
 
 namespace hollowmere {
@@ -64,6 +79,34 @@ TEST_F(MainWindow, AProjectIsOpenedOnceAndFoundAgain) {
   Q_EMIT recent.aboutToShow();
   ASSERT_EQ(recent.actions().size(), 1);
   EXPECT_EQ(recent.actions()[0]->text(), file);
+  EXPECT_TRUE(window.close());
+}
+
+TEST_F(MainWindow, OneFileIsNeverSavedFromTwoWindows) {
+  const QString one = savedProject("one");
+  const QString other = savedProject("other");
+  TfrmMain window(context);
+  window.show();
+  TfrmProject* first = window.openProject(one);
+  TfrmProject* second = window.openProject(other);
+  const std::string link = temp.file("link.hmp");
+  ASSERT_TRUE(QFile::link(one, QString::fromStdString(link)));
+  EXPECT_EQ(window.openProject(QString::fromStdString(link)), first) << "the same file by another name";
+  for (const std::string& name : {one.toStdString(), link}) {
+    prompt.expect(TPromptKind::Error, "The project file " + name +
+                                          " is open in another window. Close that window first, or choose "
+                                          "another name.");
+    whenFileDialog(name);
+    // The file dialog asks by itself whether a file is to be replaced.
+    QTimer replace;
+    QObject::connect(&replace, &QTimer::timeout, [] {
+      if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
+        box->button(QMessageBox::Yes)->click();
+    });
+    replace.start(5);
+    second->actSaveAs();
+  }
+  EXPECT_EQ(second->project().fileName, other.toStdString());
   EXPECT_TRUE(window.close());
 }
 
@@ -116,6 +159,171 @@ TEST_F(MainWindow, TheConnectionListIsOneAndOpensNoBrowserYet) {
       "be used in load projects where the store is supported.");
   window.openDBWindow(TObject{{"dbtype", "MongoDB"}});
   EXPECT_TRUE(window.close());
+}
+
+/// A browser that tells what it was made with.
+class TToyBrowser : public TBrowserWindow {
+ public:
+  TToyBrowser(TBrowserMode mode, QWidget* parent) : TBrowserWindow(parent), query_(new QLineEdit(this)) {
+    query_->setObjectName(QStringLiteral("eQuery"));
+    setProperty("designer", mode == TBrowserMode::Designer);
+  }
+
+  void setQueryObject(const TValue& definition) override {
+    query_->setText(QString::fromStdString(toJson(definition)));
+  }
+  [[nodiscard]] TValue queryObject() const override {
+    return TObject{{"query", query_->text().toStdString()}};
+  }
+
+ private:
+  QLineEdit* query_;
+};
+
+TEST_F(MainWindow, ABrowserIsAChildOrTheDesignerOfAQuery) {
+  context.browsers.add("Toy", [](const TBrowserRequest& request, QWidget* parent) {
+    if (!request.connection.find("host")) throw std::runtime_error("Unable to reach the toy.");
+    return new TToyBrowser(request.mode, parent);
+  });
+  const ConnectionConfig record{
+      {"dbtype", "Toy"}, {"host", "h"}, {"port", 5}, {"database", "d"}, {"password", "x"}};
+  TfrmMain window(context);
+  window.show();
+  TBrowserWindow* browser = window.openDBWindow(record);
+  ASSERT_TRUE(browser);
+  EXPECT_FALSE(browser->property("designer").toBool());
+  EXPECT_EQ(child<QTabBar>(window, "windowTabs").tabText(0), "Toy :: h:5/d");
+  prompt.expect(TPromptKind::Error, "Unable to reach the toy.");
+  EXPECT_FALSE(window.openDBWindow(TObject{{"dbtype", "Toy"}}));
+  EXPECT_EQ(browserCaption(TObject{{"dbtype", "Oracle"}, {"user", "scott"}, {"database", "db:1521:X"}}),
+            "Oracle :: scott@db:1521:X");
+
+  TProject project = newProject(settings, folder);
+  project.source = {"Toy", record};
+  project.dataSources.push_back({"rows", TObject{{"query", "old"}}, 0});
+  TfrmProject projectWindow(context, project);
+  for (const char* button : {"bCancel", "bOk"}) {
+    whenDialog(QStringLiteral("queryDesigner"), [button](QDialog& dialog) {
+      EXPECT_TRUE(child<QWidget>(dialog, "eQuery").parentWidget()->property("designer").toBool());
+      auto& query = child<QLineEdit>(dialog, "eQuery");
+      EXPECT_EQ(query.text(), "{\"query\":\"old\"}");
+      query.setText("new");
+      click(dialog, button);
+    });
+    click(projectWindow, "bEditDS");
+  }
+  EXPECT_EQ(projectWindow.project().dataSources[0].definition, (TValue(TObject{{"query", "new"}})));
+  projectWindow.deleteLater();
+}
+
+TEST_F(MainWindow, HelpIsThereForWhatHasTheFocus) {
+  TfrmMain window(context);
+  window.show();
+  const auto page = [](const QWidget& above) {
+    return child<QTextBrowser>(child<TfrmHelp>(above, "frmHelp"), "mHelp").toPlainText().section('\n', 0, 0);
+  };
+  trigger(window, "actHelp");
+  EXPECT_EQ(page(window), "Hollowmere");
+  walkWindow(child<TfrmHelp>(window, "frmHelp"), "frmhelp");
+  trigger(window, "actNewProject");
+  auto& pages = child<QTabWidget>(window, "pages");
+  trigger(window, "actHelp");
+  EXPECT_EQ(page(window), "Projects");
+  pages.setCurrentIndex(3);
+  window.activateWindow();
+  child<QWidget>(window, "tlMapping").setFocus();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return child<QWidget>(window, "tlMapping").hasFocus(); }));
+  trigger(window, "actHelp");
+  EXPECT_EQ(page(window), "Mapping");
+  // A modal dialog shuts the menus out, but not its help.
+  whenDialog(QStringLiteral("frmOption"), [&](QDialog& dialog) {
+    QTest::keyClick(&child<QWidget>(dialog, "vgOptions"), Qt::Key_F1);
+    ASSERT_TRUE(dialog.findChild<TfrmHelp*>());
+    EXPECT_EQ(page(dialog), "Program Options");
+    QTest::keyClick(dialog.findChild<TfrmHelp*>(), Qt::Key_Escape);
+    dialog.reject();
+  });
+  trigger(window, "actOption");
+  // Every link of every page leads to a page.
+  const QDir folderOfPages(QStringLiteral(":/help"));
+  for (const QString& name : folderOfPages.entryList()) {
+    QFile file(folderOfPages.filePath(name));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(file.readAll());
+    static const QRegularExpression link(QStringLiteral("\\]\\(([^)]*)\\)"));
+    for (const auto& found : link.globalMatch(text))
+      EXPECT_TRUE(folderOfPages.exists(found.captured(1)))
+          << name.toStdString() << found.captured(1).toStdString();
+  }
+}
+
+TEST_F(MainWindow, PagesOfTheMakerAreOpenedWhenTheyAreKnown) {
+  {
+    TfrmMain window(context);
+    prompt.expect(TPromptKind::Information,
+                  "No web address for technical support is configured. It stands in "
+                  "the settings as Web/support.");
+    trigger(window, "actTechSupport");
+    prompt.expect(TPromptKind::Information,
+                  "No web address for product information is configured. It stands in "
+                  "the settings as Web/product.");
+    trigger(window, "actProdInfo");
+    prompt.expect(TPromptKind::Information,
+                  "This build has no Oracle connector: a migration project cannot be "
+                  "created from an Oracle schema.");
+    trigger(window, "actOraToJSON");
+    EXPECT_TRUE(opened.isEmpty());
+  }
+  store.setValue("Web/support", "https://example.com/support");
+  TfrmMain window(context);
+  trigger(window, "actTechSupport");
+  EXPECT_EQ(opened, QStringList{"https://example.com/support"});
+}
+
+class UpdateCheck : public MainWindow {
+ protected:
+  /// Lets the notices of a main window come at once, and waits for them.
+  void check() {
+    TfrmMain window(context, 0);
+    QSignalSpy checked(&window.startUp(), &TStartUp::checked);
+    window.show();
+    ASSERT_TRUE(checked.count() > 0 || checked.wait(10000));
+  }
+
+  const std::string question =
+      "New Hollowmere version is available. Would you like to visit Tamsbury Software web site to download "
+      "the "
+      "latest software release?";
+};
+
+TEST_F(UpdateCheck, ANewVersionIsAnnouncedOnce) {
+  check();
+  EXPECT_EQ(settings.warnVersion, HOLLOWMERE_VERSION) << "no address, nothing to fetch";
+  const THttpPeer peer(THttpPeer::ok("<a href='hollowmere.zip'>Download</a> version 9.1 released today"));
+  store.setValue("Web/downloadPage", QString::fromStdString(peer.address()));
+  store.setValue("Web/site", "https://example.com/");
+  prompt.expect(TPromptKind::Confirmation, question, TAnswer::Yes);
+  check();
+  EXPECT_EQ(opened, QStringList{"https://example.com/"});
+  EXPECT_EQ(settings.warnVersion, "9.1");
+  check();
+  EXPECT_EQ(peer.requests(), 2);
+  EXPECT_EQ(opened.size(), 1);
+}
+
+TEST_F(UpdateCheck, ASilentServerHoldsNothingUp) {
+  const THttpPeer silent("");
+  store.setValue("Web/downloadPage", QString::fromStdString(silent.address()));
+  settings.httpTimeout = 600;
+  QElapsedTimer timer;
+  timer.start();
+  {
+    TfrmMain window(context, 0);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return silent.requests() > 0; }));
+    EXPECT_TRUE(window.close());
+  }
+  EXPECT_LT(timer.elapsed(), 30000);
 }
 
 TEST_F(MainWindow, AKeptConnectionIsNotLostToTheOpenList) {

@@ -1,12 +1,20 @@
 #include "conformance/bed.h"
 
 #include <atomic>
+#include <cstdio>
+#include <map>
+#include <mutex>
+#include <set>
 
+#include "connectors/hbase/hbaseclient.h"
+#include "connectors/hbase/hbaseconnector.h"
 #include "connectors/jsonfile/jsonfileconnector.h"
 #include "connectors/mongodb/mongoconnector.h"
+#include "support/hbasewire/standin.h"
 #include "support/mongowire/standin.h"
 #include "support/tempfolder.h"
 #include "support/toystore.h"
+#include "support/typedjson.h"
 
 namespace hollowmere {
 
@@ -56,7 +64,7 @@ class TJsonFileBed : public TBed {
 class TMongoBed : public TBed {
  public:
   explicit TMongoBed(std::uint16_t port) : port_(port), connector_(makeMongoConnector()) {
-    refusesEmpty = true;
+    emptySource = "MongoDB data source does not return documents.";
   }
 
   [[nodiscard]] const TStoreConnector& connector() const override { return *connector_; }
@@ -88,6 +96,73 @@ class TStandInBed : public TMongoBed {
   std::unique_ptr<mongowire::TMongoStandIn> server_;
 };
 
+/// HBase holds bytes in columns of families: texts stand in the family "t", bytes in "b", what else there is
+/// as JSON in "j". The columns' order, which is that of their names, is made the members'.
+class THBaseBed : public TBed {
+ public:
+  explicit THBaseBed(std::uint16_t port) : port_(port), connector_(makeHBaseConnector()) {
+    jsonQueries = hasKeys = false;
+    overwrites = true;
+    emptySource = "Unable to retrieve rows from HBase table ";
+  }
+
+  [[nodiscard]] const TStoreConnector& connector() const override { return *connector_; }
+  [[nodiscard]] TValue connection(const std::string& collection) const override {
+    const std::lock_guard lock(mutex_);
+    if (made_.insert(collection).second) makeHBaseTable(port_, collection, {"t", "b", "j"});
+    return hbaseRecord(port_);
+  }
+  [[nodiscard]] TDataSource source(const std::string& collection, const std::string& query) const override {
+    return hbaseSource(collection, query);
+  }
+  [[nodiscard]] TValue nowhere() const override { return hbaseRecord(1); }
+
+  [[nodiscard]] TObject toStore(const TObject& document) const override {
+    std::map<std::string, TValue> columns;
+    char place[] = "00";
+    for (const TMember& member : document) {
+      const TValue& value = member.value;
+      const bool asIs = value.is(TKind::Text) || value.is(TKind::Binary);
+      const char* family = value.is(TKind::Text) ? "t:" : value.is(TKind::Binary) ? "b:" : "j:";
+      columns[std::string(family) + place + member.name] = asIs ? value : TValue(typedText(value));
+      place[1] == '9' ? (++place[0], place[1] = '0') : ++place[1];
+    }
+    char key[24];
+    std::snprintf(key, sizeof key, "%010lld", static_cast<long long>(document.find("_id")->asInt()));
+    TObject row{{"rowkey", key}};
+    for (auto& [name, value] : columns) row.add(name, std::move(value));
+    return row;
+  }
+  [[nodiscard]] TObject fromStore(const TObject& row) const override {
+    std::map<std::string, TMember> members;
+    for (const TMember& cell : row) {
+      if (cell.name == "rowkey") continue;
+      const std::string& text = cell.value.asText();
+      members[cell.name.substr(2, 2)] = {cell.name.substr(4), cell.name[0] == 'j'   ? typedJson(text)
+                                                              : cell.name[0] == 'b' ? TValue::binary(text)
+                                                                                    : cell.value};
+    }
+    TObject document;
+    for (auto& [place, member] : members) document.add(member.name, std::move(member.value));
+    return document;
+  }
+
+ private:
+  std::uint16_t port_;
+  std::unique_ptr<TStoreConnector> connector_;
+  mutable std::mutex mutex_;
+  mutable std::set<std::string> made_;
+};
+
+class THBaseStandInBed : public THBaseBed {
+ public:
+  explicit THBaseStandInBed(std::unique_ptr<hbasewire::THBaseStandIn> server)
+      : THBaseBed(server->port()), server_(std::move(server)) {}
+
+ private:
+  std::unique_ptr<hbasewire::THBaseStandIn> server_;
+};
+
 }  // namespace
 
 std::vector<TBedKind> bedKinds() {
@@ -95,7 +170,29 @@ std::vector<TBedKind> bedKinds() {
           {"JsonFile", [] { return std::make_unique<TJsonFileBed>(); }},
           {"MongoStandIn",
            [] { return std::make_unique<TStandInBed>(std::make_unique<mongowire::TMongoStandIn>()); }},
-          {"MongoServer", [] { return std::make_unique<TMongoBed>(sharedServer().port()); }}};
+          {"MongoServer", [] { return std::make_unique<TMongoBed>(sharedServer().port()); }},
+          {"HBaseStandIn",
+           [] { return std::make_unique<THBaseStandInBed>(std::make_unique<hbasewire::THBaseStandIn>()); }},
+          {"HBaseServer", [] { return std::make_unique<THBaseBed>(sharedHBase().port()); }}};
+}
+
+TValue hbaseRecord(std::uint16_t port) {
+  return TObject{{"dbtype", "HBase"}, {"host", "127.0.0.1"}, {"port", static_cast<int>(port)}};
+}
+
+TDataSource hbaseSource(const std::string& table, const std::string& query) {
+  return {table, TObject{{"table", table}, {"query", query}}, 0};
+}
+
+void makeHBaseTable(std::uint16_t port, const std::string& table, const std::vector<std::string>& families) {
+  std::vector<THBaseFamily> made;
+  for (const std::string& family : families) made.push_back({.name = family});
+  connectHBase(optionsFor(hbaseRecord(port)))->create(table, made);
+}
+
+const TLocalServer& sharedHBase() {
+  static const TLocalServer server({}, "hbase");
+  return server;
 }
 
 TValue mongoRecord(std::uint16_t port, const std::string& user, const std::string& password,
@@ -127,7 +224,7 @@ void writeAll(const TBed& bed, const std::string& collection, const std::vector<
   options.bulkSize = bulkSize;
   const auto writer = bed.connector().connectTarget(options);
   writer->openTarget({"target", collection, {}});
-  for (const TObject& document : documents) writer->write(TObject(document), sink);
+  for (const TObject& document : documents) writer->write(bed.toStore(document), sink);
   writer->flush(sink);
 }
 
@@ -138,7 +235,7 @@ std::vector<TObject> readAll(const TBed& bed, const std::string& collection, con
   const auto reader = bed.connector().connectSource(options);
   reader->openRoot(bed.source(collection), share);
   std::vector<TObject> rows;
-  while (auto row = reader->next()) rows.push_back(std::move(*row));
+  while (auto row = reader->next()) rows.push_back(bed.fromStore(*row));
   EXPECT_FALSE(reader->next()) << "the end stays the end";
   return rows;
 }

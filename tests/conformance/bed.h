@@ -29,10 +29,17 @@ class TBed {
   /// Where nothing listens.
   [[nodiscard]] virtual TValue nowhere() const = 0;
 
-  bool nests = true;          ///< nested queries
-  bool hasKeys = true;        ///< "_id" is unique
-  bool keepsKinds = true;     ///< values that JSON lacks come back as they were
-  bool refusesEmpty = false;  ///< an empty root source is an error
+  /// A document of the suite as this store can hold it, and the way back.
+  [[nodiscard]] virtual TObject toStore(const TObject& document) const { return document; }
+  [[nodiscard]] virtual TObject fromStore(const TObject& row) const { return row; }
+
+  bool nests = true;        ///< nested queries
+  bool jsonQueries = true;  ///< queries are JSON objects
+  bool hasKeys = true;      ///< a second document with the same "_id" is refused
+  bool overwrites = false;  ///< ... or takes the place of the first
+  bool keepsKinds = true;   ///< values that JSON lacks come back as they were
+  std::string
+      emptySource;  ///< the error of an empty root source, the collection's name behind it; empty: none
 };
 
 /// Counts what a writer says.
@@ -56,6 +63,14 @@ struct TBedKind {
 };
 std::vector<TBedKind> bedKinds();
 inline std::ostream& operator<<(std::ostream& out, const TBedKind& kind) { return out << kind.name; }
+
+/// An HBase connection record and query.
+TValue hbaseRecord(std::uint16_t port);
+TDataSource hbaseSource(const std::string& table, const std::string& query = {});
+/// Makes a table with those families.
+void makeHBaseTable(std::uint16_t port, const std::string& table, const std::vector<std::string>& families);
+/// As sharedServer(): a real HBase.
+const TLocalServer& sharedHBase();
 
 /// A MongoDB connection record.
 TValue mongoRecord(std::uint16_t port, const std::string& user = {}, const std::string& password = {},

@@ -266,6 +266,18 @@ TEST(MongoServer, BatchesOfEverySizeAreStoredWhole) {
   }
 }
 
+TEST(MongoQuery, IsCheckedByItsTextAlone) {
+  const auto store = makeMongoConnector();
+  const auto check = [&](const char* query, const char* collection = "c") {
+    return store->checkQuery(TObject{{"database", "d"}, {"collection", collection}, {"query", query}});
+  };
+  for (const char* good : {"", "{}", R"({"a": {"$gt": 5}})", R"({"a": :name})"})
+    EXPECT_EQ(check(good), "") << good;
+  for (const char* bad : {"{", "[]", "{a}", R"({"a" 1})"})
+    EXPECT_TRUE(check(bad).starts_with("Invalid MongoDB JSON query. (")) << bad << ": " << check(bad);
+  EXPECT_EQ(check("{}", ""), "The data source names no MongoDB database and collection.");
+}
+
 }  // namespace
 
 }  // namespace hollowmere

@@ -19,6 +19,8 @@
 #include "project/projectdocument.h"
 #include "settings/cipher.h"
 #include "settings/rtftext.h"
+#include "sqlmongo/sqltomongo.h"
+#include "support/jsshell.h"
 #include "support/tempfolder.h"
 
 namespace hollowmere::fuzz {
@@ -103,6 +105,17 @@ void markers(std::string_view bytes) {
 
 void shell(std::string_view bytes) { MongoShellToJson(bytes, dates()); }
 
+/// A statement is refused with a message, or becomes a text that a shell can read.
+void sql(std::string_view bytes) {
+  static TJsShell engine;
+  for (const TShellForm form : {TShellForm::Classic, TShellForm::Modern}) {
+    const TSqlToMongo result = SqlToMongo(bytes, form);
+    REQUIRE(result.translated() != result.shellText.empty());
+    REQUIRE(result.place <= bytes.size());
+    if (result.translated()) engine.parse(result.shellText);
+  }
+}
+
 void filter(std::string_view bytes) { NormalizeHBaseFilter(bytes); }
 
 void cassandra(std::string_view bytes) {
@@ -161,6 +174,12 @@ constexpr std::string_view projectSeed =
     R"("datatargetlist":[{"name":"t","datatarget":"t","saslpwd":""}],"datamaplist":[{"target":"t",)"
     R"("source":"a","children":[{"target":"x","source":null,"targettype":"Number"}],"targettype":"String"}]})"sv;
 
+constexpr std::string_view sqlSeed =
+    "select a.b as x, count(*), avg(n) from t where not (a > = 1 or c like '%a/_b' and d between 1.5 and "
+    "\"y\") "
+    "and _id in ('0123456789abcdef01234567', null) and e is not null group by a.b having sum(n) <> 2 "
+    "order by x desc, avg(n) limit 10, 20"sv;
+
 constexpr std::array table{
     TTarget{"json", json, R"({"a":[1,-2.5e3,"x\u00e9\n",null,true,{"b":{}}],"big":123456789012345678901})"sv},
     TTarget{"lines", lines, "\xEF\xBB\xBF{\"a\":1}\r\n\r{\"b\":2}\n\n{\"c\":3}"sv},
@@ -169,6 +188,7 @@ constexpr std::array table{
     TTarget{"markers", markers, "&base64;AAE= &quot;1/2/2026 3:04 PM&quot; &str;"sv},
     TTarget{"shell", shell,
             R"({ "a" : NumberLong("5"), "d" : ISODate("2020-01-02T03:04:05Z"), "n" : NaN })"sv},
+    TTarget{"sql", sql, sqlSeed},
     TTarget{"filter", filter, "SingleColumnValueFilter('f','c',=,'binary:a and b') and PageFilter(5)"sv},
     TTarget{"cassandra", cassandra, "map<text,list<int>>|\0\1\0\1a\0\6\0\1\0\4\0\0\0\5"sv},
     TTarget{"xml", xml, "<a x='1'><b>t</b><b/><![CDATA[c]]>&amp;</a>"sv},

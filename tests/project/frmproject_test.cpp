@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QAction>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -14,6 +15,7 @@
 #include "project/edittexts.h"
 #include "project/runtexts.h"
 #include "project/ui/datasourcedialog.h"
+#include "support/callstore.h"
 #include "support/dialogwalk.h"
 #include "support/toystore.h"
 #include "support/windowworld.h"
@@ -88,6 +90,10 @@ TEST_F(ProjectWindow, AProjectIsBuiltPreviewedSavedAndRun) {
   ASSERT_TRUE(QTest::qWaitFor([&] { return !saved.run()->busy(); }));
   EXPECT_EQ(toy->documents("copy").size(), 30U);
   EXPECT_EQ(child<QLabel>(saved, "lLoaded").text(), "30");
+  auto& threads = child<QTableWidget>(saved, "gThreads");
+  ASSERT_EQ(threads.rowCount(), 1);
+  EXPECT_EQ(threads.item(0, 2)->text(), "100 %");
+  EXPECT_EQ(threads.item(0, 3)->text(), "30");
   EXPECT_TRUE(QTest::qWaitFor([&] {
     return child<QPlainTextEdit>(saved, "mLog").toPlainText().contains("Load operation finished.");
   }));
@@ -140,10 +146,14 @@ TEST_F(ProjectWindow, RefusalsLeaveTheCellsAsTheyWere) {
 TEST_F(ProjectWindow, AFailingRowIsShownWhereItIs) {
   toy->faults.unreadableRows = {23};  // 20 rows are read before, for the names of their fields
   TProject project = started();
-  project.mapping.push_back({"t", "People", "Data Source (JSON List)", {{"n", "name", "Number", {}}}});
+  project.dataTargets.push_back({"t", "t", ""});
+  project.mapping.push_back(
+      {"t", "People", "Data Source (JSON List)", {{"id", "_id", "String", {}}, {"n", "name", "Number", {}}}});
   TfrmProject window(context, project);
   window.show();
   showPage(window, 3);
+  const QTreeWidgetItem* root = child<QTreeWidget>(window, "tlMapping").topLevelItem(0);
+  EXPECT_TRUE(root->toolTip(0).isEmpty()) << "nothing is wrong with the tree itself";
   auto* fault = &child<QLabel>(window, "lPreviewFault");
   ASSERT_TRUE(QTest::qWaitFor([&] { return fault->text().contains("\"name\""); }))
       << fault->text().toStdString();
@@ -152,6 +162,116 @@ TEST_F(ProjectWindow, AFailingRowIsShownWhereItIs) {
   click(window, "bNextRow");
   EXPECT_FALSE(fault->text().contains("\"name\"")) << "row 3 cannot even be read";
   EXPECT_FALSE(fault->text().isEmpty());
+  // The same in the tree, at the nodes.
+  EXPECT_TRUE(root->toolTip(0).startsWith("Row 3: ")) << root->toolTip(0).toStdString();
+  EXPECT_TRUE(root->child(0)->icon(0).isNull());
+  EXPECT_FALSE(root->child(1)->icon(0).isNull());
+  EXPECT_TRUE(root->child(1)->toolTip(1).startsWith("Row 1: Unable to convert the value of \"name\""));
+}
+
+TEST_F(ProjectWindow, WhatIsWrongWithAMappingStandsAtItsNode) {
+  TProject project = started();
+  project.mapping.push_back({"gone",
+                             "People",
+                             "Data Source (JSON List)",
+                             {{"a", "x", "String", {}},
+                              {"a", "y", "String", {}},
+                              {"list", "Nobody", "Data Source (JSON List)", {{"", "z", "String", {}}}}}});
+  TfrmProject window(context, project);
+  window.show();
+  showPage(window, 3);
+  auto* tree = &child<QTreeWidget>(window, "tlMapping");
+  const QTreeWidgetItem* root = tree->topLevelItem(0);
+  EXPECT_EQ(root->toolTip(0), "Unable to find data target: gone");
+  EXPECT_EQ(root->child(0)->toolTip(0), "");
+  EXPECT_EQ(
+      root->child(1)->toolTip(0),
+      "The source attributes \"x\" and \"y\" of \"People\" are both mapped to the target attribute \"a\".");
+  EXPECT_EQ(root->child(2)->toolTip(0), "Data source \"Nobody\" is not found or not defined.");
+  EXPECT_FALSE(root->child(2)->child(0)->icon(0).isNull()) << "an attribute without a name";
+  root->child(1)->treeWidget()->topLevelItem(0)->child(1)->setText(0, "b");
+  QCoreApplication::processEvents();
+  EXPECT_EQ(root->child(1)->toolTip(0), "") << "mended";
+  EXPECT_TRUE(root->child(1)->icon(0).isNull());
+}
+
+TEST_F(ProjectWindow, TheTreeFollowsEveryChangeOfItsNodes) {
+  TProject project = started();
+  for (const char* name : {"r", "s"})
+    project.mapping.push_back({name,
+                               "People",
+                               "Data Source (JSON List)",
+                               {{"a", "a", "String", {}},
+                                {"b", "b", "JSON Object", {{"c", "c", "String", {}}}},
+                                {"d", "d", "String", {}}}});
+  TfrmProject window(context, project);
+  window.show();
+  showPage(window, 3);
+  auto* tree = &child<QTreeWidget>(window, "tlMapping");
+  const std::function<std::string(const QTreeWidgetItem*)> shownBelow = [&](const QTreeWidgetItem* item) {
+    std::string text;
+    for (int i = 0; i < item->childCount(); ++i)
+      text += item->child(i)->text(0).toStdString() + "(" + shownBelow(item->child(i)) + ")";
+    return text;
+  };
+  const std::function<std::string(const std::vector<TMapNode>&)> heldIn = [&](const auto& nodes) {
+    std::string text;
+    for (const TMapNode& node : nodes) text += node.target + "(" + heldIn(node.children) + ")";
+    return text;
+  };
+  const auto select = [&](std::vector<int> path) {
+    QTreeWidgetItem* item = tree->topLevelItem(path[0]);
+    for (std::size_t i = 1; i < path.size(); ++i) item = item->child(path[i]);
+    tree->setCurrentItem(item);
+  };
+  const auto press = [&](std::vector<int> path, const char* button) {
+    select(std::move(path));
+    click(window, button);
+    EXPECT_EQ(shownBelow(tree->invisibleRootItem()), heldIn(window.project().mapping)) << button;
+  };
+  press({0, 1}, "bDownMap");
+  press({0, 2}, "bUpMap");
+  press({1}, "bUpMap");
+  press({0, 0}, "bDelMap");
+  press({1, 1, 0}, "bDelMap");
+  press({1, 1}, "bAddAttrMap");
+  press({0}, "bAddAttrMap");
+  press({0}, "bDelMap");
+  for (auto& undo = child<QAction>(window, "actUndoChange"); undo.isEnabled();) {
+    undo.trigger();
+    EXPECT_EQ(shownBelow(tree->invisibleRootItem()), heldIn(window.project().mapping)) << "undo";
+  }
+  press({0}, "bClearMap");
+}
+
+/// A store that reads the text of its queries.
+class TCheckedStore : public TCallStore {
+ public:
+  TCheckedStore() : TCallStore(std::string(dbtype::mongodb), [](const TStoreOptions&) {}) {}
+  [[nodiscard]] std::string checkQuery(const TValue& definition) const override {
+    return definition.asObject().find("query")->asText().ends_with('}') ? "" : "The query has no end.";
+  }
+};
+
+TEST_F(ProjectWindow, AFaultyQueryIsToldWhileItIsWritten) {
+  stores.add(std::make_unique<TCheckedStore>());
+  TProject project = started();
+  project.source.dbType = dbtype::mongodb;
+  TDataSourceDialog dialog(context, project, {"People", TObject(), 0}, nullptr);
+  auto& fault = child<QLabel>(dialog, "lQueryFault");
+  EXPECT_EQ(fault.text(), "") << "nothing was begun yet";
+  auto& query = child<QPlainTextEdit>(dialog, "m_query");
+  query.setPlainText("{}");
+  EXPECT_EQ(fault.text(), "");
+  query.setPlainText("{");
+  EXPECT_EQ(fault.text(), "The query has no end.");
+  const std::string question = "The query has no end.\nWould you like to keep this query all the same?";
+  prompt.expect(TPromptKind::Confirmation, question, TAnswer::No);
+  click(dialog, "bOk");
+  EXPECT_EQ(dialog.result(), QDialog::Rejected);
+  prompt.expect(TPromptKind::Confirmation, question, TAnswer::Yes);
+  click(dialog, "bOk");
+  EXPECT_EQ(dialog.result(), QDialog::Accepted);
 }
 
 TEST_F(ProjectWindow, ARunningLoadHoldsTheWindowUntilItIsStopped) {

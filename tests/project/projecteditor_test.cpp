@@ -97,7 +97,8 @@ TEST(ProjectEditor, FlatStoresTakeNoNestedTypesAndKeepTheirKeys) {
   TProjectEditor editor = makeEditor("HBase");
   editor.addDataSource();
   editor.addRoot();
-  editor.addFields({0}, {"rowkey", "a"});
+  editor.addFields({0}, {{"rowkey"}, {"a", TTargetType::JsonList}});
+  EXPECT_EQ(editor.project().mapping[0].children[1].targetType, "String") << "a list goes there as a text";
   EXPECT_EQ(editor.setType({0, 1}, "JSON List"), edittexts::noNested + std::string("JSON List"));
   EXPECT_EQ(editor.setType({0, 1}, "Number"), "");
   EXPECT_NE(editor.deleteNode({0, 0}), "");
@@ -106,7 +107,7 @@ TEST(ProjectEditor, FlatStoresTakeNoNestedTypesAndKeepTheirKeys) {
   TProjectEditor cassandra = makeEditor("Cassandra");
   cassandra.addDataSource();
   cassandra.addRoot();
-  cassandra.addFields({0}, {"a"});
+  cassandra.addFields({0}, {{"a"}});
   EXPECT_EQ(cassandra.setTarget({0, 0}, "b"), edittexts::columnName);
 }
 
@@ -115,8 +116,8 @@ TEST(ProjectEditor, NodesMoveWithAllBelowThem) {
   editor.addDataSource();
   editor.addRoot();
   editor.setTarget({0}, "r");
-  editor.addFields({0}, {"a", "b", "c"});
-  editor.addFields({0, 1}, {"x", "y"});
+  editor.addFields({0}, {{"a"}, {"b"}, {"c"}});
+  editor.addFields({0, 1}, {{"x"}, {"y"}});
   EXPECT_EQ(order(editor.project().mapping), "r(a b(x y ) c ) ");
   editor.moveUp({0, 0});
   editor.moveDown({0, 1});
@@ -145,10 +146,10 @@ TEST(ProjectEditor, EveryChangeOfListsAndTreeCanBeTakenBack) {
   editor.addDataSource(), remember();
   editor.addDataTarget(), remember();
   editor.addRoot(), remember();
-  editor.addFields({0}, {"a", "b"}), remember();
+  editor.addFields({0}, {{"a"}, {"b"}}), remember();
   editor.setType({0, 0}, "Number"), remember();
   editor.deleteNode({0, 1}), remember();
-  EXPECT_EQ(editor.addFields({0}, {"a"}), "") << "there already: no change";
+  EXPECT_EQ(editor.addFields({0}, {{"a"}}), "") << "there already: no change";
   for (std::size_t i = seen.size(); i-- > 1;) {
     EXPECT_EQ(editor.project().mapping, seen[i].mapping) << i;
     EXPECT_EQ(editor.project().dataTargets, seen[i].dataTargets) << i;
@@ -160,11 +161,24 @@ TEST(ProjectEditor, EveryChangeOfListsAndTreeCanBeTakenBack) {
   EXPECT_FALSE(editor.canRedo());
 }
 
+TEST(ProjectEditor, FieldsKeepTheKindThatWasSampled) {
+  const std::vector<TSampledField> fields = sampledFields(
+      {{{"n", TValue()}, {"o", TObject{{"in", true}}}}, {{"n", 1}, {"l", TList{}}, {"t", "1"}}});
+  TProjectEditor editor = makeEditor();
+  editor.addDataSource();
+  editor.addRoot();
+  editor.addFields({0}, fields);
+  std::string types;
+  for (const TMapNode& node : editor.project().mapping[0].children)
+    types += node.source + " " + node.targetType + ", ";
+  EXPECT_EQ(types, "n Number, o JSON Object, o.in Boolean, l JSON List, t String, ");
+}
+
 TEST(ProjectEditor, FindGoesRoundTheTree) {
   TProjectEditor editor = makeEditor();
   editor.addDataSource();
   editor.addRoot();
-  editor.addFields({0}, {"price", "name", "PriceList"});
+  editor.addFields({0}, {{"price"}, {"name"}, {"PriceList"}});
   const auto& tree = editor.project().mapping;
   EXPECT_EQ(findNode(tree, "price", {}), (TNodePath{0, 0}));
   EXPECT_EQ(findNode(tree, "price", {0, 0}), (TNodePath{0, 2}));

@@ -79,8 +79,12 @@ TEST_F(TOptionTest, OkTakesWhatWasTypedAndSavesIt) {
     QCoreApplication::processEvents();
     EXPECT_TRUE(dialog.isVisible()) << "Enter ends the edit, not the dialog";
     grid.editProperty(QStringLiteral("logFile"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    QTest::keyClick(&grid, Qt::Key_Slash);
+    EXPECT_EQ(qobject_cast<QLineEdit*>(QApplication::focusWidget())->text(), QStringLiteral("/"))
+        << "typing begins the edit of this row again";
     whenFileDialog(log);
-    QTest::mouseClick(grid.findChild<QToolButton*>(), Qt::LeftButton);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_F4);
     QCoreApplication::processEvents();
     click(dialog, "bOK");
   });
@@ -209,6 +213,23 @@ TEST_F(TDBConfigTest, EveryPageRefusesInOrder) {
     EXPECT_TRUE(dialog_.setConnection(recordOf(bare)));
     expectRefusal("Please specify protocol.");
   }
+}
+
+TEST_F(TDBConfigTest, BeginsWithAKeptConnection) {
+  dialog_.loadAllowedDataSourceTypes({"MongoDB"});
+  dialog_.offerKept({recordOf(R"({"dbtype":"HBase","host":"region"})")});
+  auto& box = child<QComboBox>(dialog_, "cbKept");
+  EXPECT_FALSE(box.isVisible()) << "none of the type";
+  dialog_.offerKept({recordOf(R"({"dbtype":"HBase","host":"region"})"),
+                     recordOf(R"({"dbtype":"MongoDB","host":"db","port":27018,"database":"d","user":"u"})")});
+  ASSERT_TRUE(box.isVisible());
+  ASSERT_EQ(box.count(), 2);
+  EXPECT_EQ(box.itemText(1), QLatin1String("MongoDB  db@d/u :27018"));
+  walkWindow(dialog_, "frmdbconfig_kept");
+  box.setFocus();
+  QTest::keyClick(&box, Qt::Key_Down);
+  click(dialog_, "bOK");
+  EXPECT_EQ(*dialog_.connection()->find("port"), TValue(27018));
 }
 
 TEST_F(TDBConfigTest, OkGivesTheRecordAndCancelGivesNone) {

@@ -14,6 +14,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMap>
+#include <QMenu>
 #include <QMenuBar>
 #include <QRadioButton>
 #include <QScrollArea>
@@ -173,6 +174,17 @@ void describeRows(const QTreeWidget& tree, const QString& indent, QString& out) 
   }
 }
 
+void describeMenu(const QList<QAction*>& actions, const QString& indent, QString& out) {
+  for (const QAction* action : actions) {
+    if (action->isSeparator()) continue;
+    out +=
+        indent + (action->menu() ? QLatin1String("menu ") : QLatin1String("item ")) + quoted(action->text());
+    if (!action->shortcut().isEmpty()) out += QLatin1Char(' ') + action->shortcut().toString();
+    out += QLatin1Char('\n');
+    if (action->menu()) describeMenu(action->menu()->actions(), indent + QLatin1String("  "), out);
+  }
+}
+
 void describe(QWidget& widget, const QString& indent, QString& out) {
   QString further = indent;
   // What has no name is there for the layout.
@@ -188,6 +200,8 @@ void describe(QWidget& widget, const QString& indent, QString& out) {
     further += QLatin1String("  ");
   }
   if (const auto* tree = qobject_cast<const QTreeWidget*>(&widget)) describeRows(*tree, further, out);
+  if (const auto* menus = qobject_cast<const QMenuBar*>(&widget))
+    describeMenu(menus->actions(), further, out);
   for (const QAction* action : widget.actions())
     if (!action->objectName().isEmpty())
       out += further + QLatin1String("action ") + action->objectName() + QLatin1Char(' ') +

@@ -6,6 +6,7 @@
 #include <QDragEnterEvent>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QKeyEvent>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenuBar>
@@ -18,12 +19,16 @@
 #include <QVBoxLayout>
 
 #include "app/ui/editactions.h"
+#include "app/ui/frmhelp.h"
+#include "app/ui/startup.h"
 #include "project/recentprojects.h"
 #include "project/ui/frmproject.h"
 #include "settings/ui/frmconnlist.h"
 #include "settings/ui/frmoption.h"
+#include "ui/helptopic.h"
 #include "ui/icons.h"
 #include "ui/placement.h"
+#include "ui/printing.h"
 
 namespace hollowmere {
 
@@ -38,11 +43,23 @@ TMdiChild* childOf(const QMdiSubWindow* window) {
   return window ? qobject_cast<TMdiChild*>(window->widget()) : nullptr;
 }
 
+/// One name for one file, also where links lead to it.
+QString wholeName(const QString& fileName) {
+  const QFileInfo file(fileName);
+  return file.exists() ? file.canonicalFilePath() : file.absoluteFilePath();
+}
+
 }  // namespace
 
-TfrmMain::TfrmMain(TWindowContext& context) : context_(context) {
+TfrmMain::TfrmMain(TWindowContext& context, int noticesAfter)
+    : context_(context),
+      addresses_(loadWebAddresses(context.store)),
+      startUp_(new TStartUp(context, addresses_, this)),
+      noticesAfter_(noticesAfter) {
   setObjectName(QStringLiteral("TfrmMain"));
   setWindowTitle(QStringLiteral("Hollowmere"));
+  setWindowIcon(themeIcon("hollowmere"));
+  QGuiApplication::setWindowIcon(windowIcon());
   setAcceptDrops(true);
   auto* centre = new QWidget(this);
   auto* layout = new QVBoxLayout(centre);
@@ -77,12 +94,19 @@ TfrmMain::TfrmMain(TWindowContext& context) : context_(context) {
   resize(fontMetrics().averageCharWidth() * 150, fontMetrics().height() * 45);
   restorePlacement(context_.store, placementGroup(), *this);
   context_.offerToKeep = [this](const ConnectionConfig& record) { offerToKeep(record); };
+  context_.keptConnections = [this] { return keptConnections(); };
+  context_.isOpenElsewhere = [this](const QString& fileName, const QWidget& except) {
+    return findProject(fileName, &except) != nullptr;
+  };
+  qApp->installEventFilter(this);
   statusBar()->showMessage(text("Ready"));
   updateTabs();
 }
 
 TfrmMain::~TfrmMain() {
   context_.offerToKeep = {};
+  context_.keptConnections = {};
+  context_.isOpenElsewhere = {};
   // What is left in the area tells of its end while half of this window is gone already.
   area_->disconnect(this);
   for (TMdiChild* child : childWindows()) child->disconnect(this);
@@ -102,10 +126,12 @@ void TfrmMain::makeFileMenu() {
       makeAction("actNewProject", text("New Project"), "document-new", QKeySequence(tr("Ctrl+N")));
   QAction* open =
       makeAction("actOpenProject", text("Open Project"), "document-open", QKeySequence(tr("Ctrl+O")));
+  QAction* migrate = makeAction("actOraToJSON", text("Create Migration Project from Oracle Schema"), "", {});
   QAction* list = makeAction("actConnList", text("Configure Database Connections"), "network-server", {});
   // The same keys twice would do nothing at all: opening keeps Ctrl+O, the options have Shift besides.
   QAction* option =
       makeAction("actOption", text("Program Options"), "configure", QKeySequence(tr("Ctrl+Shift+O")));
+  QAction* setup = makeAction("actPageSetup", text("Page Setup"), "document-page-setup", {});
   QAction* exit = makeAction("actExit", text("Exit"), "application-exit", QKeySequence(tr("Ctrl+Q")));
   exit->setMenuRole(QAction::QuitRole);
   recent_ = new QMenu(tr("&Recent Projects"), this);
@@ -113,16 +139,21 @@ void TfrmMain::makeFileMenu() {
   menu->addAction(create);
   menu->addAction(open);
   menu->addMenu(recent_);
+  menu->addAction(migrate);
   menu->addSeparator();
   menu->addAction(list);
   menu->addAction(option);
+  menu->addSeparator();
+  menu->addAction(setup);
   menu->addSeparator();
   menu->addAction(exit);
   for (QAction* action : {create, open, list, option}) toolBar_->addAction(action);
   connect(create, &QAction::triggered, this, &TfrmMain::newProject);
   connect(open, &QAction::triggered, this, &TfrmMain::chooseProject);
+  connect(migrate, &QAction::triggered, this, &TfrmMain::openMigration);
   connect(list, &QAction::triggered, this, &TfrmMain::openConnectionList);
   connect(option, &QAction::triggered, this, &TfrmMain::showOptions);
+  connect(setup, &QAction::triggered, this, [this] { pageSetup(context_, this); });
   connect(exit, &QAction::triggered, this, &TfrmMain::close);
   connect(recent_, &QMenu::aboutToShow, this, &TfrmMain::fillRecent);
 }
@@ -147,9 +178,21 @@ void TfrmMain::makeWindowMenu() {
 
 void TfrmMain::makeHelpMenu() {
   QMenu* menu = menuBar()->addMenu(tr("&Help"));
-  QAction* about = makeAction("actAbout", text("About"), "help-contents", {});
+  QAction* help = makeAction("actHelp", text("Help"), "help-contents", QKeySequence(tr("F1")));
+  QAction* support = makeAction("actTechSupport", text("Technical Support"), "", {});
+  QAction* product = makeAction("actProdInfo", text("Product Information"), "", {});
+  QAction* about = makeAction("actAbout", text("About"), "help-about", {});
   about->setMenuRole(QAction::AboutRole);
+  menu->addAction(help);
+  menu->addSeparator();
+  menu->addAction(support);
+  menu->addAction(product);
+  menu->addSeparator();
   menu->addAction(about);
+  connect(help, &QAction::triggered, this, [this] { showHelp(currentTopic()); });
+  connect(support, &QAction::triggered, this, &TfrmMain::openSupport);
+  connect(product, &QAction::triggered, this,
+          [this] { openAddress(addresses_.product, "product information", "product"); });
   connect(about, &QAction::triggered, this, &TfrmMain::showAbout);
 }
 
@@ -201,13 +244,13 @@ void TfrmMain::showStatus() {
   statusBar()->showMessage(status.isEmpty() ? text("Ready") : status);
 }
 
-TfrmProject* TfrmMain::findProject(const QString& fileName) const {
-  const QString wanted = QFileInfo(fileName).absoluteFilePath();
+TfrmProject* TfrmMain::findProject(const QString& fileName, const QWidget* except) const {
+  const QString wanted = wholeName(fileName);
   for (TMdiChild* child : childWindows()) {
     auto* project = qobject_cast<TfrmProject*>(child);
-    if (!project || project->project().fileName.empty()) continue;
-    const QFileInfo file(QString::fromStdString(project->project().fileName));
-    if (file.absoluteFilePath().compare(wanted, Qt::CaseInsensitive) == 0) return project;
+    if (!project || project == except || project->project().fileName.empty()) continue;
+    const QString shown = wholeName(QString::fromStdString(project->project().fileName));
+    if (shown.compare(wanted, Qt::CaseInsensitive) == 0) return project;
   }
   return nullptr;
 }
@@ -294,7 +337,18 @@ TfrmConnList* TfrmMain::connectionWindow() const {
   return nullptr;
 }
 
-/// While its window is open, the list is there and not in the file.
+/// While its window is open, the list is there and not in the file. One that cannot be loaded is no reason
+/// to disturb who only wants to choose from it.
+TConnectionList TfrmMain::keptConnections() const {
+  if (const TfrmConnList* open = connectionWindow()) return open->connections();
+  try {
+    return context_.connectionFile().load();
+  } catch (const TConnectionListError&) {
+    return {};
+  }
+}
+
+/// See above for where the list is.
 void TfrmMain::offerToKeep(const ConnectionConfig& record) {
   if (TfrmConnList* open = connectionWindow()) {
     open->offerToKeep(record);
@@ -309,16 +363,84 @@ void TfrmMain::offerToKeep(const ConnectionConfig& record) {
   }
 }
 
-void TfrmMain::openDBWindow(const ConnectionConfig& connection) {
-  const TValue* type = connection.find("dbtype");
-  const std::string name = type && type->is(TKind::Text) ? type->asText() : std::string("this type");
-  context_.prompt.ask(
-      TPromptKind::Information,
-      "There is no browser window for " + name +
-          " databases in this version yet. Connections of this type can be used in load projects "
-          "where the store is supported.",
-      TButtons::Ok);
+TBrowserWindow* TfrmMain::openDBWindow(const ConnectionConfig& connection) {
+  const std::string type = dbTypeOf(connection);
+  const TBrowserFactory* factory = context_.browsers.find(type);
+  if (!factory) {
+    context_.prompt.ask(TPromptKind::Information,
+                        "There is no browser window for " + (type.empty() ? "this type of" : type) +
+                            " databases in this version yet. Connections of this type can be used in load "
+                            "projects where the store is supported.",
+                        TButtons::Ok);
+    return nullptr;
+  }
+  TBrowserWindow* window = nullptr;
+  std::string fault;
+  QApplication::setOverrideCursor(Qt::WaitCursor);
+  try {
+    window = (*factory)({context_, connection, TBrowserMode::Child}, nullptr);
+  } catch (const std::exception& error) {
+    fault = error.what();
+  }
+  QApplication::restoreOverrideCursor();
+  if (!window) {
+    context_.prompt.error(fault);
+    return nullptr;
+  }
+  window->setWindowTitle(QString::fromStdString(browserCaption(connection)));
+  showChild(window);
+  return window;
 }
+
+void TfrmMain::openMigration() {
+  const bool reachable = context_.stores.find(dbtype::oracle) != nullptr;
+  context_.prompt.ask(TPromptKind::Information,
+                      reachable ? "This build has no assistant for migration projects yet."
+                                : "This build has no Oracle connector: a migration project cannot be created "
+                                  "from an Oracle schema.",
+                      TButtons::Ok);
+}
+
+/// The page of what has the focus, else of the child window in front.
+QString TfrmMain::currentTopic() const {
+  const QWidget* focused = QApplication::focusWidget();
+  const TMdiChild* child = childOf(area_->activeSubWindow());
+  return helpTopicOf(child && !child->isAncestorOf(focused) ? child : focused);
+}
+
+void TfrmMain::showHelp(const QString& topic) {
+  QWidget* modal = QApplication::activeModalWidget();
+  QWidget* above = modal ? modal : this;
+  // What stands behind a modal dialog could not be used.
+  if (help_ && help_->parentWidget() != above) delete help_;
+  if (!help_) help_ = new TfrmHelp(above);
+  help_->showTopic(topic);
+  help_->show();
+  help_->raise();
+  help_->activateWindow();
+}
+
+/// The menus' keys do not reach a modal dialog; its help does.
+bool TfrmMain::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::KeyPress && watched == QApplication::focusWidget() &&
+      QApplication::activeModalWidget()) {
+    const auto* key = static_cast<QKeyEvent*>(event);
+    if (key->key() == Qt::Key_F1 && key->modifiers() == Qt::NoModifier) {
+      showHelp(helpTopicOf(QApplication::focusWidget()));
+      return true;
+    }
+  }
+  return QMainWindow::eventFilter(watched, event);
+}
+
+void TfrmMain::openAddress(const std::string& address, const char* subject, const char* key) {
+  if (address.empty())
+    context_.prompt.ask(TPromptKind::Information, noAddressText(subject, key), TButtons::Ok);
+  else
+    context_.openOutside(QString::fromStdString(address));
+}
+
+void TfrmMain::openSupport() { openAddress(addresses_.support, "technical support", "support"); }
 
 void TfrmMain::showOptions() { TfrmOption(context_, this).exec(); }
 
@@ -334,6 +456,7 @@ void TfrmMain::showEvent(QShowEvent* event) {
   if (shown_) return;
   shown_ = true;
   if (context_.settings.showConnWindow) openConnectionList();
+  startUp_->begin(noticesAfter_);
 }
 
 bool TfrmMain::mayExit() {

@@ -23,26 +23,10 @@ struct TMongoLibrary {
 
 void initLibrary() { static const TMongoLibrary library; }
 
-/// 27017 when the record names none. Throws TStoreError (Connect) for what is no port.
-std::uint16_t portMember(const TValue& record) {
-  const TValue* port = record.asObject().find("port");
-  if (!port || port->isNull() || *port == TValue("")) return 27017;
-  std::int64_t number = port->is(TKind::Int) ? port->asInt() : 0;
-  if (port->is(TKind::Text)) {
-    const std::string text = textMember(record, "port");
-    if (std::from_chars(text.data(), text.data() + text.size(), number).ptr != text.data() + text.size())
-      number = 0;
-  }
-  if (number < 1 || number > 65535)
-    throw TStoreError(TStoreErrorKind::Connect,
-                      "The port of the MongoDB connection must be a number from 1 to 65535.");
-  return static_cast<std::uint16_t>(number);
-}
-
 TMongoUriPtr makeUri(const TValue& record) {
   const std::string host = textMember(record, "host");
   TMongoUriPtr uri(
-      mongoc_uri_new_for_host_port(host.empty() ? "localhost" : host.c_str(), portMember(record)));
+      mongoc_uri_new_for_host_port(host.empty() ? "localhost" : host.c_str(), mongoPort(record)));
   if (!uri) return nullptr;
   bool good = true;
   if (const std::string user = textMember(record, "user"); !user.empty()) {
@@ -71,6 +55,21 @@ std::string detailOf(const bson_error_t& error, const mongoc_uri_t& uri) {
 }
 
 }  // namespace
+
+std::uint16_t mongoPort(const TValue& record) {
+  const TValue* port = record.asObject().find("port");
+  if (!port || port->isNull() || *port == TValue("")) return 27017;
+  std::int64_t number = port->is(TKind::Int) ? port->asInt() : 0;
+  if (port->is(TKind::Text)) {
+    const std::string text = textMember(record, "port");
+    if (std::from_chars(text.data(), text.data() + text.size(), number).ptr != text.data() + text.size())
+      number = 0;
+  }
+  if (number < 1 || number > 65535)
+    throw TStoreError(TStoreErrorKind::Connect,
+                      "The port of the MongoDB connection must be a number from 1 to 65535.");
+  return static_cast<std::uint16_t>(number);
+}
 
 TMongoClientPtr connectMongo(const TStoreOptions& options, const std::string& fixedText) {
   initLibrary();

@@ -30,6 +30,10 @@ TMongoClientPtr connectMongo(const TStoreOptions& options, const std::string& fi
 /// A text member of a record or of a query object, trimmed; empty when it is not there.
 std::string textMember(const TValue& record, std::string_view name);
 
+/// The port of a connection record, 27017 when it names none. Throws TStoreError (Connect) for what is no
+/// port.
+std::uint16_t mongoPort(const TValue& record);
+
 /// "Error Code: " + code + a carriage return + "Error Message: " + message.
 std::string mongoErrorText(std::uint32_t code, const std::string& message);
 std::string mongoErrorText(const bson_error_t& error);

@@ -1,8 +1,10 @@
 #include "connectors/mongodb/mongoconnector.h"
 
+#include "connectors/jsonquery.h"
 #include "connectors/mongodb/mongoclient.h"
 #include "connectors/mongodb/mongoreader.h"
 #include "connectors/mongodb/mongowriter.h"
+#include "json/json.h"
 
 namespace hollowmere {
 
@@ -30,6 +32,18 @@ class TMongoConnector : public TStoreConnector {
   }
 
   std::int64_t count(const TStoreOptions& options, const TDataSource& source) const override;
+
+  [[nodiscard]] std::string checkQuery(const TValue& definition) const override {
+    try {
+      // With its parameters: nobody knows yet whether it will be a nested one.
+      const TJsonQuery query(TMongoSource({"", definition, 0}).query);
+    } catch (const TJsonError& error) {
+      return std::string("Invalid MongoDB JSON query. (") + error.what() + ")";
+    } catch (const TStoreError&) {
+      return "The data source names no MongoDB database and collection.";
+    }
+    return {};
+  }
 
  private:
   static void check(const TStoreOptions& options, const char* fixedText) { connectMongo(options, fixedText); }

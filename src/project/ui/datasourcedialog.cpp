@@ -8,6 +8,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "json/json.h"
 #include "project/querymembers.h"
@@ -36,6 +37,11 @@ TDataSourceDialog::TDataSourceDialog(TWindowContext& context, const TProject& pr
   setWindowTitle(tr("Data Source %1").arg(QString::fromStdString(source.name)));
   auto* layout = new QVBoxLayout(this);
   makeFields(source);
+  fault_ = new QLabel(this);
+  fault_->setObjectName(QStringLiteral("lQueryFault"));
+  fault_->setWordWrap(true);
+  fault_->setTextFormat(Qt::PlainText);
+  layout->addWidget(fault_);
   auto* test = new QPushButton(tr("&Test"), this);
   test->setObjectName(QStringLiteral("bTest"));
   test->setAutoDefault(false);
@@ -54,6 +60,11 @@ TDataSourceDialog::TDataSourceDialog(TWindowContext& context, const TProject& pr
   connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   connect(test, &QPushButton::clicked, this, &TDataSourceDialog::bTestClick);
+  for (const auto& [key, edit] : texts_)
+    connect(edit, &QPlainTextEdit::textChanged, this, &TDataSourceDialog::showFault);
+  for (const auto& [key, edit] : lines_)
+    connect(edit, &QLineEdit::textChanged, this, &TDataSourceDialog::showFault);
+  showFault();
 }
 
 void TDataSourceDialog::makeFields(const TDataSource& source) {
@@ -94,6 +105,24 @@ TValue TDataSourceDialog::definition() const {
     object.add(key, value.toStdString());
   }
   return object;
+}
+
+std::string TDataSourceDialog::queryFault() const {
+  const TStoreConnector* store = context_.stores.find(project_.source.dbType);
+  return store ? store->checkQuery(definition()) : std::string();
+}
+
+/// Nobody has to hear what is wrong with a query before it was begun.
+void TDataSourceDialog::showFault() {
+  const bool begun = std::any_of(texts_.begin(), texts_.end(),
+                                 [](const auto& one) { return !one.second->toPlainText().isEmpty(); });
+  fault_->setText(begun ? QString::fromStdString(queryFault()) : QString());
+}
+
+void TDataSourceDialog::accept() {
+  const std::string fault = queryFault();
+  if (fault.empty() || context_.prompt.confirm(fault + "\nWould you like to keep this query all the same?"))
+    QDialog::accept();
 }
 
 /// Reads the first rows on a thread of its own.

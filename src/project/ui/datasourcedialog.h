@@ -28,6 +28,9 @@ class TDataSourceDialog : public QDialog {
  private:
   void makeFields(const TDataSource& source);
   void bTestClick();
+  void showFault();
+  [[nodiscard]] std::string queryFault() const;
+  void accept() override;
 
   TWindowContext& context_;
   const TProject& project_;
@@ -35,6 +38,7 @@ class TDataSourceDialog : public QDialog {
   std::map<std::string, QLineEdit*> lines_;
   std::map<std::string, QPlainTextEdit*> texts_;
   QLineEdit* fileName_ = nullptr;
+  QLabel* fault_ = nullptr;
   QPlainTextEdit* rows_ = nullptr;
 };
 

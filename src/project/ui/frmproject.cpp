@@ -4,6 +4,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
+#include <QRegularExpression>
 #include <QTabWidget>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -15,6 +16,7 @@
 #include "project/ui/mappingpage.h"
 #include "project/ui/runpage.h"
 #include "settings/ui/frmdbconfig.h"
+#include "ui/helptopic.h"
 #include "ui/icons.h"
 #include "ui/qtmainthread.h"
 
@@ -33,9 +35,11 @@ TfrmProject::TfrmProject(TWindowContext& context, TProject project, QWidget* par
       context_(context),
       editor_(std::move(project)),
       file_(context.cipher, context.files) {
+  setWindowIcon(themeIcon("hollowmere-project"));
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   makeToolBar();
+  setHelpTopic(*this, "project");
   makePages();
   fileLabel_ = new QLabel(this);
   fileLabel_->setObjectName(QStringLiteral("lFile"));
@@ -93,6 +97,8 @@ void TfrmProject::makePages() {
   targets_ = new TDataTargetsPage(editor_, this);
   mapping_ = new TMappingPage(context_, editor_, this);
   runPage_ = new TRunPage(context_, this);
+  setHelpTopic(*runPage_, "run");
+  setHelpTopic(*mapping_, "mapping");
   pages_->addTab(general_, text("General"));
   pages_->addTab(sources_, text("Data Sources"));
   pages_->addTab(targets_, text("Data Targets"));
@@ -169,10 +175,20 @@ void TfrmProject::actSave() {
 }
 
 void TfrmProject::actSaveAs() {
-  QString name = QFileDialog::getSaveFileName(this, text("Save Project As"),
-                                              QString::fromStdString(project().fileName), filesOf());
+  // A project without a file offers its name as one; what no file name may hold is left out.
+  QString offered = QString::fromStdString(project().fileName);
+  if (offered.isEmpty())
+    offered = QString::fromStdString(project().projectName)
+                  .remove(QRegularExpression(QStringLiteral(R"([/\:*?"<>|])"))) +
+              QStringLiteral(".hmp");
+  QString name = QFileDialog::getSaveFileName(this, text("Save Project As"), offered, filesOf());
   if (name.isEmpty()) return;
   if (QFileInfo(name).suffix().isEmpty()) name += QStringLiteral(".hmp");
+  // Each of the two windows would undo what the other one saves.
+  if (context_.isOpenElsewhere && context_.isOpenElsewhere(name, *this))
+    return context_.prompt.error(
+        "The project file " + name.toStdString() +
+        " is open in another window. Close that window first, or choose another name.");
   saveTo(name);
 }
 
@@ -240,6 +256,7 @@ bool TfrmProject::chooseConnection(TSide side, TProjectSide& value) {
   }
   TfrmDBConfig dialog(context_, this);
   dialog.loadAllowedDataSourceTypes({value.dbType});
+  if (context_.keptConnections) dialog.offerKept(context_.keptConnections().records());
   if (value.connection.is(TKind::Object) && !value.connection.asObject().empty())
     dialog.setConnection(value.connection.asObject());
   if (dialog.exec() != QDialog::Accepted || !dialog.connection()) return false;

@@ -125,11 +125,22 @@ void TDataSourcesPage::onChanged(QTableWidgetItem* item) {
 void TDataSourcesPage::bEditDSClick() {
   const auto row = currentRow();
   if (!row) return;
-  const TProject& project = editor_.project();
-  TDataSourceDialog dialog(context_, project, project.dataSources[*row], this);
-  if (dialog.exec() != QDialog::Accepted) return;
-  editor_.setDefinition(*row, dialog.definition());
+  const auto definition = askForDefinition(*row);
+  if (!definition) return;
+  editor_.setDefinition(*row, *definition);
   finish({});
+}
+
+/// In the store's browser as a designer; a store without one has a plain dialog.
+std::optional<TValue> TDataSourcesPage::askForDefinition(std::size_t row) {
+  const TProject& project = editor_.project();
+  const TValue& connection = project.source.connection;
+  const TBrowserFactory* browser = context_.browsers.find(project.source.dbType);
+  if (browser && connection.is(TKind::Object))
+    return designQuery(*browser, context_, connection.asObject(), project.dataSources[row].definition, this);
+  TDataSourceDialog dialog(context_, project, project.dataSources[row], this);
+  if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+  return dialog.definition();
 }
 
 void TDataSourcesPage::bClearDSClick() {

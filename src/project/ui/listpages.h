@@ -61,6 +61,7 @@ class TDataSourcesPage : public TListPage {
 
  private:
   void bEditDSClick();
+  std::optional<TValue> askForDefinition(std::size_t row);
   void bClearDSClick();
   void onChanged(QTableWidgetItem* item) override;
 

@@ -19,6 +19,7 @@
 #include "json/json.h"
 #include "jsondoc/ui/viewjson.h"
 #include "project/edittexts.h"
+#include "project/runcheck.h"
 #include "ui/icons.h"
 #include "ui/placement.h"
 
@@ -51,7 +52,7 @@ class TMappingDelegate : public QStyledItemDelegate {
       box->setEditable(true);
       box->addItems(page_.sourceChoices(pathOf(index)));
     } else {
-      for (const std::string_view type : mapTargetTypes) box->addItem(shown(type));
+      for (const TTargetType type : allTargetTypes) box->addItem(shown(targetTypeText(type)));
     }
     auto* self = const_cast<TMappingDelegate*>(this);
     connect(box, &QComboBox::activated, this, [self, box] {
@@ -92,6 +93,23 @@ class TMappingDelegate : public QStyledItemDelegate {
 
   TMappingPage& page_;
 };
+
+QStringList cellsOf(const TMapNode& node) {
+  return {QString::fromStdString(node.target), QString::fromStdString(node.source),
+          QString::fromStdString(node.targetType)};
+}
+
+void insertBelow(QTreeWidgetItem* parent, const TMapNode& node) {
+  auto* item = new QTreeWidgetItem(parent, cellsOf(node));
+  item->setFlags(item->flags() | Qt::ItemIsEditable);
+  for (const TMapNode& child : node.children) insertBelow(item, child);
+}
+
+void expand(QTreeWidgetItem* item) {
+  if (item->childCount() == 0) return;
+  item->setExpanded(true);
+  for (int place = 0; place < item->childCount(); ++place) expand(item->child(place));
+}
 
 QPlainTextEdit* makeView(QWidget* parent, const char* name, const QString& caption) {
   auto* view = new QPlainTextEdit(parent);
@@ -287,31 +305,100 @@ bool TMappingPage::eventFilter(QObject* watched, QEvent* event) {
   return true;
 }
 
-void TMappingPage::fill(QTreeWidgetItem* parent, const std::vector<TMapNode>& nodes) {
-  for (const TMapNode& node : nodes) {
-    const QStringList cells{QString::fromStdString(node.target), QString::fromStdString(node.source),
-                            QString::fromStdString(node.targetType)};
-    auto* item = parent ? new QTreeWidgetItem(parent, cells) : new QTreeWidgetItem(tree_, cells);
-    item->setFlags(item->flags() | Qt::ItemIsEditable);
-    fill(item, node.children);
+void TMappingPage::insert(QTreeWidgetItem* parent, int place, const TMapNode& node) {
+  auto* item = new QTreeWidgetItem(cellsOf(node));
+  item->setFlags(item->flags() | Qt::ItemIsEditable);
+  // The children first: the view is told once.
+  for (const TMapNode& child : node.children) insertBelow(item, child);
+  parent->insertChild(place, item);
+  expand(item);
+}
+
+/// Makes the items below a parent those of the nodes now; only what differs from before is touched, since a
+/// large tree filled anew would be felt at every key.
+void TMappingPage::sync(QTreeWidgetItem* parent, const std::vector<TMapNode>& before,
+                        const std::vector<TMapNode>& now) {
+  const auto same = [](const TMapNode& a, const TMapNode& b) { return a == b; };
+  const auto from = std::mismatch(before.begin(), before.end(), now.begin(), now.end(), same);
+  const auto first = static_cast<std::size_t>(from.first - before.begin());
+  std::size_t behind = 0;
+  while (behind < std::min(before.size(), now.size()) - first &&
+         before[before.size() - 1 - behind] == now[now.size() - 1 - behind])
+    ++behind;
+  const std::size_t oldEnd = before.size() - behind;
+  const std::size_t newEnd = now.size() - behind;
+  for (std::size_t place = first; place < std::min(oldEnd, newEnd); ++place) {
+    QTreeWidgetItem* item = parent->child(static_cast<int>(place));
+    const QStringList cells = cellsOf(now[place]);
+    for (int column = 0; column < cells.size(); ++column)
+      if (item->text(column) != cells[column]) item->setText(column, cells[column]);
+    sync(item, before[place].children, now[place].children);
   }
+  for (std::size_t place = oldEnd; place > newEnd; --place)
+    delete parent->takeChild(static_cast<int>(place - 1));
+  for (std::size_t place = oldEnd; place < newEnd; ++place)
+    insert(parent, static_cast<int>(place), now[place]);
+  if (newEnd > oldEnd) parent->setExpanded(true);
 }
 
 void TMappingPage::rebuild() {
   filling_ = true;
   const bool first = tree_->topLevelItemCount() == 0 &&
                      !context_.store.contains(placementGroup() + QLatin1Char('/') + tree_->objectName());
-  tree_->clear();
-  fill(nullptr, editor_.project().mapping);
-  tree_->expandAll();
+  const std::vector<TMapNode>& nodes = editor_.project().mapping;
+  sync(tree_->invisibleRootItem(), shown_, nodes);
+  shown_ = nodes;
   if (first)
     for (int column : {TargetColumn, SourceColumn}) tree_->resizeColumnToContents(column);
   if (QTreeWidgetItem* item = tree_->itemAt(editor_.current())) tree_->setCurrentItem(item);
   filling_ = false;
 }
 
+/// What is wrong with the tree as it stands, and where the rows of the preview have failed.
+std::map<TNodePath, QString> TMappingPage::faults() const {
+  const TProject& project = editor_.project();
+  std::map<TNodePath, QString> found;
+  const auto add = [&found](const TNodePath& path, const QString& message) {
+    found.emplace(path, message);  // the first of a node stands for all
+  };
+  for (const TMappingFault& fault : mappingFaults(project, context_.stores.find(project.source.dbType),
+                                                  context_.stores.find(project.target.dbType)))
+    add(fault.path, text(fault.message));
+  // What was read for another tree says nothing about this one.
+  if (previewIsOld_) return found;
+  for (const TPreviewRow& row : result_.rows) {
+    if (row.error.empty()) continue;
+    TNodePath path{previewRoot_};
+    path.insert(path.end(), row.errorPath.begin(), row.errorPath.end());
+    add(path, tr("Row %1: %2").arg(row.number).arg(QString::fromStdString(row.error)));
+  }
+  if (!result_.error.empty()) add({previewRoot_}, QString::fromStdString(result_.error));
+  return found;
+}
+
+void TMappingPage::markFaults() {
+  const bool wasFilling = std::exchange(filling_, true);
+  const auto mark = [this](const TNodePath& path, const QIcon& icon, const QString& message) {
+    QTreeWidgetItem* item = tree_->itemAt(path);
+    if (!item) return;
+    item->setIcon(TargetColumn, icon);
+    for (int column : {TargetColumn, SourceColumn, TypeColumn}) item->setToolTip(column, message);
+    // Screen readers say it, too.
+    item->setData(TargetColumn, Qt::AccessibleDescriptionRole, message);
+  };
+  auto found = faults();
+  const QIcon warning = style()->standardIcon(QStyle::SP_MessageBoxWarning);
+  for (const auto& [path, message] : marks_)
+    if (!found.contains(path)) mark(path, {}, {});
+  for (const auto& [path, message] : found) mark(path, warning, message);
+  marks_ = std::move(found);
+  filling_ = wasFilling;
+}
+
 void TMappingPage::refresh() {
   rebuild();
+  previewIsOld_ = true;
+  markFaults();
   requestPreview();
 }
 
@@ -340,7 +427,7 @@ QStringList TMappingPage::sourceChoices(const TNodePath& path) const {
   if (path.empty() || path.front() != previewRoot_) return choices;
   const auto found = result_.fields.find(TNodePath(path.begin() + 1, path.end() - 1));
   if (found == result_.fields.end()) return choices;
-  for (const std::string& field : found->second) choices << QString::fromStdString(field);
+  for (const TSampledField& field : found->second) choices << QString::fromStdString(field.name);
   return choices;
 }
 
@@ -361,10 +448,10 @@ void TMappingPage::bAddAllClick() {
   if (parent.empty() && !editor_.project().mapping.empty()) parent = {0};
   while (parent.size() > 1 && !result_.fields.contains(TNodePath(parent.begin() + 1, parent.end())))
     parent.pop_back();
-  std::vector<std::string> fields;
+  std::vector<TSampledField> fields;
   if (!parent.empty() && parent.front() == previewRoot_)
-    for (const std::string& field : result_.fields[TNodePath(parent.begin() + 1, parent.end())])
-      if (field.find('.') == std::string::npos) fields.push_back(field);
+    for (const TSampledField& field : result_.fields[TNodePath(parent.begin() + 1, parent.end())])
+      if (field.name.find('.') == std::string::npos) fields.push_back(field);
   if (!parent.empty() && fields.empty()) {
     Q_EMIT refused(tr("No fields of this data source are known yet: the preview beside the tree tells why."));
     return;
@@ -402,9 +489,26 @@ void TMappingPage::onChanged(QTreeWidgetItem* item, int column) {
     const TMapNode* node = nodeAt(editor_.project().mapping, at);
     if (node && node->target == "Attribute" + std::to_string(at.back() + 1)) editor_.setTarget(at, given);
   }
-  // The editor of the cell is still open: the tree is filled anew after it.
+  // The editor of the cell is still open: what the cell shows is settled after it.
   QMetaObject::invokeMethod(
-      this, [this, refusal] { act(refusal); }, Qt::QueuedConnection);
+      this,
+      [this, at, refusal] {
+        showCells(at);
+        act(refusal);
+      },
+      Qt::QueuedConnection);
+}
+
+/// A cell may show what was typed and not taken.
+void TMappingPage::showCells(const TNodePath& path) {
+  const TMapNode* node = nodeAt(editor_.project().mapping, path);
+  QTreeWidgetItem* item = tree_->itemAt(path);
+  if (!node || !item) return;
+  filling_ = true;
+  const QStringList cells = cellsOf(*node);
+  for (int column = 0; column < cells.size(); ++column)
+    if (item->text(column) != cells[column]) item->setText(column, cells[column]);
+  filling_ = false;
 }
 
 void TMappingPage::onFind() {
@@ -420,6 +524,8 @@ void TMappingPage::requestPreview() {
 void TMappingPage::onPreview(std::size_t root, const TPreviewResult& result) {
   previewRoot_ = root;
   result_ = result;
+  previewIsOld_ = false;
+  markFaults();
   showRow(row_);
 }
 

@@ -2,6 +2,8 @@
 
 #include <QTreeWidget>
 #include <QWidget>
+#include <map>
+#include <vector>
 
 #include "project/projecteditor.h"
 #include "project/ui/previewjob.h"
@@ -59,8 +61,12 @@ class TMappingPage : public QWidget {
   void makePreview();
   QPushButton* addButton(const char* name, const QString& caption, const char* icon,
                          void (TMappingPage::*click)());
-  void fill(QTreeWidgetItem* parent, const std::vector<TMapNode>& nodes);
+  void insert(QTreeWidgetItem* parent, int place, const TMapNode& node);
+  void sync(QTreeWidgetItem* parent, const std::vector<TMapNode>& before, const std::vector<TMapNode>& now);
   void rebuild();
+  void showCells(const TNodePath& path);
+  void markFaults();
+  [[nodiscard]] std::map<TNodePath, QString> faults() const;
   void act(const std::string& refusal);
   [[nodiscard]] TNodePath path() const;
   void bAddMapTargetClick();
@@ -95,9 +101,12 @@ class TMappingPage : public QWidget {
   QPushButton* viewDocument_;
   TPreviewJob preview_;
   TPreviewResult result_;
+  std::vector<TMapNode> shown_;         ///< what the tree shows
+  std::map<TNodePath, QString> marks_;  ///< the nodes that are marked as wrong, and why
   std::size_t previewRoot_ = 0;
   int row_ = 0;
   bool filling_ = false;
+  bool previewIsOld_ = true;  ///< it was read for the tree as it was
 };
 
 }  // namespace hollowmere

@@ -2,7 +2,6 @@
 
 #include <QPointer>
 
-#include "engine/sampling.h"
 #include "project/runcheck.h"
 
 namespace hollowmere {

@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "engine/preview.h"
+#include "engine/sampling.h"
 #include "project/maptree.h"
 #include "project/projectmodel.h"
 #include "ui/windowcontext.h"
@@ -16,7 +17,7 @@ namespace hollowmere {
 /// What a preview of one root mapping found.
 struct TPreviewResult {
   std::vector<TPreviewRow> rows;
-  std::map<TNodePath, std::vector<std::string>> fields;  ///< by path below the root
+  std::map<TNodePath, std::vector<TSampledField>> fields;  ///< by path below the root
   std::string error;                                     ///< why there is nothing more
 };
 

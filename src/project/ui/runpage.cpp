@@ -30,6 +30,19 @@ QString clockText(std::int64_t milliseconds) {
       .arg(seconds % 60, 2, 10, QLatin1Char('0'));
 }
 
+QString numberText(std::int64_t number) { return QLocale().toString(static_cast<qlonglong>(number)); }
+
+/// Seen well on the window's ground, be it light or dark.
+QColor lossColour(const QPalette& palette) {
+  const bool dark = palette.color(QPalette::Window).lightness() < 128;
+  return dark ? QColor(255, 150, 110) : QColor(180, 40, 0);
+}
+
+QString percentText(const TThreadProgress& thread) {
+  if (thread.maximum <= 0) return {};
+  return QStringLiteral("%1 %").arg(std::min<std::int64_t>(100, thread.done * 100 / thread.maximum));
+}
+
 /// How long the rest takes when it goes on like this; empty when that cannot be told.
 QString timeLeft(const TRunProgress& progress) {
   if (progress.maximum <= 0 || progress.done <= 0 || progress.runningThreads == 0) return {};
@@ -63,16 +76,29 @@ TRunPage::TRunPage(TWindowContext& context, QWidget* parent) : QWidget(parent), 
   speed_ = addCount(counts, "lSpeed", tr("Documents per second"));
   time_ = addCount(counts, "lTime", tr("Time"));
   layout->addLayout(counts);
-  threads_ = new QTableWidget(0, 5, this);
+  makeThreads();
+  layout->addWidget(threads_, 1);
+  makeLog(layout);
+  connect(start_, &QPushButton::clicked, this, &TRunPage::startWanted);
+  connect(stop_, &QPushButton::clicked, this, &TRunPage::stopWanted);
+  clear();
+}
+
+void TRunPage::makeThreads() {
+  const QStringList captions{tr("Thread"),    tr("State"),   tr("Progress"),       tr("Loaded"),
+                             tr("Discarded"), tr("Skipped"), tr("Rows per second")};
+  threads_ = new QTableWidget(0, static_cast<int>(captions.size()), this);
   threads_->setObjectName(QStringLiteral("gThreads"));
   threads_->setAccessibleName(tr("Threads"));
-  threads_->setHorizontalHeaderLabels(
-      {tr("Thread"), tr("State"), tr("Loaded"), tr("Discarded"), tr("Skipped")});
+  threads_->setHorizontalHeaderLabels(captions);
   threads_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  threads_->setSelectionBehavior(QAbstractItemView::SelectRows);
   threads_->setTabKeyNavigation(false);
   threads_->verticalHeader()->hide();
   threads_->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
-  layout->addWidget(threads_, 1);
+}
+
+void TRunPage::makeLog(QVBoxLayout* layout) {
   auto* logBar = new QHBoxLayout;
   filter_ = new QLineEdit(this);
   filter_->setObjectName(QStringLiteral("eLogFilter"));
@@ -101,11 +127,8 @@ TRunPage::TRunPage(TWindowContext& context, QWidget* parent) : QWidget(parent), 
   logTimer_.setSingleShot(true);
   connect(&logTimer_, &QTimer::timeout, this, &TRunPage::showLog);
   connect(filter_, &QLineEdit::textChanged, this, &TRunPage::filterLog);
-  connect(start_, &QPushButton::clicked, this, &TRunPage::startWanted);
-  connect(stop_, &QPushButton::clicked, this, &TRunPage::stopWanted);
   connect(openLog, &QPushButton::clicked, this, [this] { context_.openOutside(logFile_); });
   connect(openDiscard, &QPushButton::clicked, this, [this] { context_.openOutside(discardFile_); });
-  clear();
 }
 
 QLabel* TRunPage::addCount(QHBoxLayout* row, const char* name, const QString& caption) {
@@ -125,15 +148,12 @@ QLabel* TRunPage::addCount(QHBoxLayout* row, const char* name, const QString& ca
 
 /// Counts of lost rows are bold and coloured as soon as there are any.
 void TRunPage::setCount(QLabel* label, std::int64_t count, bool standsOut) {
-  label->setText(QLocale().toString(static_cast<qlonglong>(count)));
+  label->setText(numberText(count));
   QFont font = label->font();
   font.setBold(standsOut && count > 0);
   label->setFont(font);
   QPalette colours = palette();
-  if (standsOut && count > 0) {
-    const bool dark = colours.color(QPalette::Window).lightness() < 128;
-    colours.setColor(QPalette::WindowText, dark ? QColor(255, 150, 110) : QColor(180, 40, 0));
-  }
+  if (standsOut && count > 0) colours.setColor(QPalette::WindowText, lossColour(colours));
   label->setPalette(colours);
 }
 
@@ -166,22 +186,36 @@ void TRunPage::showRun(const TRunControl& run) {
         static_cast<int>(std::min<std::int64_t>(1000, progress.done * 1000 / progress.maximum)));
   start_->setEnabled(!run.busy());
   stop_->setEnabled(run.state() == TRunState::Running);
-  showThreads(run.threads());
+  showThreads(run.threads(), progress.milliseconds);
 }
 
-void TRunPage::showThreads(const std::vector<TThreadProgress>& threads) {
+void TRunPage::showThreads(const std::vector<TThreadProgress>& threads, std::int64_t milliseconds) {
   threads_->setRowCount(static_cast<int>(threads.size()));
-  for (int row = 0; row < threads_->rowCount(); ++row) {
-    const TThreadProgress& thread = threads[static_cast<std::size_t>(row)];
-    const QString state = thread.failed ? tr("Failed") : thread.running ? tr("Running") : tr("Stopped");
-    const QStringList cells{QString::fromStdString(thread.label), state,
-                            QString::number(thread.counts.loaded), QString::number(thread.counts.discarded),
-                            QString::number(thread.counts.skipped)};
-    for (int column = 0; column < cells.size(); ++column) {
-      if (!threads_->item(row, column)) threads_->setItem(row, column, new QTableWidgetItem);
-      threads_->item(row, column)->setText(cells[column]);
-    }
-  }
+  for (int row = 0; row < threads_->rowCount(); ++row)
+    showThread(row, threads[static_cast<std::size_t>(row)], milliseconds);
+}
+
+void TRunPage::showThread(int row, const TThreadProgress& thread, std::int64_t milliseconds) {
+  enum TColumn { Name, State, Progress, Loaded, Discarded, Skipped, Rate };
+  const auto show = [this, row](int column, const QString& text, bool isLoss = false) {
+    if (!threads_->item(row, column)) threads_->setItem(row, column, new QTableWidgetItem);
+    QTableWidgetItem* item = threads_->item(row, column);
+    item->setText(text);
+    if (column >= Progress) item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    QFont font = threads_->font();
+    font.setBold(isLoss);
+    item->setFont(font);
+    item->setForeground(isLoss ? QBrush(lossColour(palette())) : QBrush());
+  };
+  show(Name, QString::fromStdString(thread.label));
+  show(State, thread.failed ? tr("Failed") : thread.running ? tr("Running") : tr("Stopped"), thread.failed);
+  show(Progress, percentText(thread));
+  show(Loaded, numberText(thread.counts.loaded));
+  show(Discarded, numberText(thread.counts.discarded), thread.counts.discarded > 0);
+  show(Skipped, numberText(thread.counts.skipped), thread.counts.skipped > 0);
+  // A thread that has ended keeps the rate at which it worked.
+  if (thread.running || !threads_->item(row, Rate) || threads_->item(row, Rate)->text().isEmpty())
+    show(Rate, milliseconds > 0 ? numberText(thread.counts.processed() * 1000 / milliseconds) : QString());
 }
 
 void TRunPage::addLog(const std::string& lines) {

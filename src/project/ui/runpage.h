@@ -14,6 +14,7 @@ class QLineEdit;
 class QPlainTextEdit;
 class QProgressBar;
 class QPushButton;
+class QVBoxLayout;
 
 namespace hollowmere {
 
@@ -39,7 +40,10 @@ class TRunPage : public QWidget {
  private:
   QLabel* addCount(QHBoxLayout* row, const char* name, const QString& caption);
   void setCount(QLabel* label, std::int64_t count, bool standsOut);
-  void showThreads(const std::vector<TThreadProgress>& threads);
+  void showThreads(const std::vector<TThreadProgress>& threads, std::int64_t milliseconds);
+  void showThread(int row, const TThreadProgress& thread, std::int64_t milliseconds);
+  void makeThreads();
+  void makeLog(QVBoxLayout* layout);
   void showLog();
   void filterLog();
   [[nodiscard]] bool passes(const QString& line) const;

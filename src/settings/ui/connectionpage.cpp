@@ -112,4 +112,8 @@ void TConnectionPage::setValues(const TFieldValues& values) {
 
 void TConnectionPage::focusField(std::string_view member) { editors_.at(member)->setFocus(); }
 
+void TConnectionPage::focusFirst() {
+  focusField(type_.rows.empty() ? type_.fields.front().member : type_.rows.front());
+}
+
 }  // namespace hollowmere

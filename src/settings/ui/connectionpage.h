@@ -21,6 +21,7 @@ class TConnectionPage : public QWidget {
   [[nodiscard]] TFieldValues values() const;
   void setValues(const TFieldValues& values);
   void focusField(std::string_view member);
+  void focusFirst();
 
  Q_SIGNALS:
   void edited();

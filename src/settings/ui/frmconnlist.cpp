@@ -16,6 +16,7 @@
 #include "settings/ui/connectionmodel.h"
 #include "settings/ui/exportdialogs.h"
 #include "settings/ui/frmdbconfig.h"
+#include "ui/helptopic.h"
 #include "ui/icons.h"
 #include "ui/placement.h"
 
@@ -43,6 +44,7 @@ TfrmConnList::TfrmConnList(TWindowContext& context, QWidget* parent)
   setObjectName(QStringLiteral("frmConnList"));
   setWindowTitle(tr("Database Connections"));
   setWindowIcon(themeIcon("network-server"));
+  setHelpTopic(*this, "connections");
   filter_->setSourceModel(model_);
   makeTable();
   auto* layout = new QVBoxLayout(this);
@@ -180,8 +182,16 @@ void TfrmConnList::focusPlace(int place) {
   updateActions();
 }
 
+/// What a new record brings is seen, whatever the width was.
+void TfrmConnList::widenColumns() {
+  const QAbstractItemView& view = *table_;
+  for (int column = 0; column < configureColumn; ++column)
+    if (view.sizeHintForColumn(column) > table_->columnWidth(column)) table_->resizeColumnToContents(column);
+}
+
 void TfrmConnList::refresh(int place) {
   model_->refresh();
+  if (placed_) widenColumns();
   focusPlace(place);
   bExport_->setEnabled(model_->rowCount() > 0);
   Q_EMIT statusChanged();

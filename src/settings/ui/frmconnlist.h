@@ -51,6 +51,7 @@ class TfrmConnList : public TMdiChild {
   [[nodiscard]] int currentPlace() const;
   void focusPlace(int place);
   void refresh(int place);
+  void widenColumns();
   void updateActions();
   void onFind(const QString& text);
   void bAddConnClick();

@@ -1,6 +1,7 @@
 #include "settings/ui/frmdbconfig.h"
 
 #include <QAccessible>
+#include <QComboBox>
 #include <QCoreApplication>
 #include <QDialogButtonBox>
 #include <QLabel>
@@ -13,8 +14,10 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "settings/connectionedit.h"
 #include "settings/connectionhelp.h"
 #include "settings/ui/connectionpage.h"
+#include "ui/helptopic.h"
 #include "ui/icons.h"
 #include "ui/placement.h"
 
@@ -34,6 +37,8 @@ TfrmDBConfig::TfrmDBConfig(TWindowContext& context, QWidget* parent)
       splitter_(new QSplitter(this)) {
   setObjectName(QStringLiteral("frmDBConfig"));
   setWindowTitle(tr("Database Connection"));
+  keptRow_ = makeKeptRow();
+  setHelpTopic(*this, "connections");
   makePages();
   splitter_->setObjectName(QStringLiteral("splitter"));
   splitter_->setChildrenCollapsible(false);
@@ -46,6 +51,7 @@ TfrmDBConfig::TfrmDBConfig(TWindowContext& context, QWidget* parent)
   buttons->button(QDialogButtonBox::Ok)->setObjectName(QStringLiteral("bOK"));
   buttons->button(QDialogButtonBox::Cancel)->setObjectName(QStringLiteral("bCancel"));
   auto* layout = new QVBoxLayout(this);
+  layout->addWidget(keptRow_);
   layout->addWidget(splitter_, 1);
   layout->addWidget(testRow);
   layout->addWidget(buttons);
@@ -76,6 +82,45 @@ void TfrmDBConfig::makePages() {
       if (!tester_.isRunning()) showResult({});
     });
   }
+}
+
+QWidget* TfrmDBConfig::makeKeptRow() {
+  auto* row = new QWidget(this);
+  auto* layout = new QHBoxLayout(row);
+  layout->setContentsMargins(0, 0, 0, 0);
+  keptBox_ = new QComboBox(row);
+  keptBox_->setObjectName(QStringLiteral("cbKept"));
+  auto* label = new QLabel(tr("&Kept connections:"), row);
+  label->setBuddy(keptBox_);
+  layout->addWidget(label);
+  layout->addWidget(keptBox_, 1);
+  row->hide();
+  connect(keptBox_, &QComboBox::activated, this, &TfrmDBConfig::takeKept);
+  return row;
+}
+
+void TfrmDBConfig::offerKept(const std::vector<ConnectionConfig>& records) {
+  kept_.clear();
+  keptBox_->clear();
+  keptBox_->addItem(tr("A new connection"));
+  for (const ConnectionConfig& record : records) {
+    const TValue* type = record.find("dbtype");
+    const auto page = std::ranges::find_if(
+        all_, [&](const TConnectionPage* each) { return type && *type == TValue(each->type().dbType); });
+    if (page == all_.end() || !pages_->isTabVisible(static_cast<int>(page - all_.begin()))) continue;
+    const auto row = shownRow(record);
+    const std::string port = row[1].empty() ? "" : " :" + row[1];
+    keptBox_->addItem(QString::fromStdString(row[2] + "  " + row[0] + port));
+    kept_.push_back(record);
+  }
+  keptRow_->setVisible(!kept_.empty());
+}
+
+void TfrmDBConfig::takeKept(int place) {
+  if (place == 0) return;
+  setConnection(kept_[static_cast<std::size_t>(place - 1)]);
+  // Who walks through the choices stays there.
+  keptBox_->setFocus();
 }
 
 QWidget* TfrmDBConfig::makeHelp() {
@@ -114,6 +159,8 @@ void TfrmDBConfig::loadAllowedDataSourceTypes(const std::vector<std::string_view
   for (std::size_t i = 0; i < all_.size(); ++i)
     pages_->setTabVisible(static_cast<int>(i),
                           std::ranges::find(dbTypes, all_[i]->type().dbType) != dbTypes.end());
+  // With one type there is no tab to choose first.
+  if (dbTypes.size() == 1) page()->focusFirst();
 }
 
 bool TfrmDBConfig::setConnection(const ConnectionConfig& record) {
@@ -122,8 +169,7 @@ bool TfrmDBConfig::setConnection(const ConnectionConfig& record) {
     if (type == nullptr || *type != TValue(all_[i]->type().dbType)) continue;
     all_[i]->setValues(connectionValues(all_[i]->type(), record));
     pages_->setCurrentIndex(static_cast<int>(i));
-    all_[i]->focusField(all_[i]->type().rows.empty() ? all_[i]->type().fields.front().member
-                                                     : all_[i]->type().rows.front());
+    all_[i]->focusFirst();
     return true;
   }
   return false;

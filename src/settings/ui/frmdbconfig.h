@@ -8,6 +8,7 @@
 #include "settings/ui/connectiontester.h"
 #include "ui/windowcontext.h"
 
+class QComboBox;
 class QLabel;
 class QPushButton;
 class QSplitter;
@@ -28,6 +29,9 @@ class TfrmDBConfig : public QDialog {
 
   /// Leaves only the pages of those types. Without this call all are there.
   void loadAllowedDataSourceTypes(const std::vector<std::string_view>& dbTypes);
+  /// Lets the user begin with one of those records that are of an allowed type. Without any there is nothing
+  /// to choose from.
+  void offerKept(const std::vector<ConnectionConfig>& records);
   /// Shows an existing record on the page of its type. False for a type without a page.
   bool setConnection(const ConnectionConfig& record);
   /// What OK made; nothing before that, and after Cancel.
@@ -41,6 +45,8 @@ class TfrmDBConfig : public QDialog {
  private:
   void makePages();
   QWidget* makeHelp();
+  QWidget* makeKeptRow();
+  void takeKept(int place);
   QWidget* makeTestRow();
   [[nodiscard]] TConnectionPage* page() const;
   std::optional<ConnectionConfig> readPage();
@@ -53,6 +59,9 @@ class TfrmDBConfig : public QDialog {
   TConnectionTester tester_;
   QTabWidget* pages_;
   QSplitter* splitter_;
+  QWidget* keptRow_ = nullptr;
+  QComboBox* keptBox_ = nullptr;
+  std::vector<ConnectionConfig> kept_;
   QTextEdit* help_ = nullptr;
   QPushButton* bTest_ = nullptr;
   QLabel* result_ = nullptr;

@@ -5,6 +5,7 @@
 #include <QVBoxLayout>
 
 #include "settings/optionrows.h"
+#include "ui/helptopic.h"
 
 namespace hollowmere {
 
@@ -41,6 +42,7 @@ TProperty propertyOf(const TOptionRow& row) {
 TfrmOption::TfrmOption(TWindowContext& context, QWidget* parent)
     : QDialog(parent), context_(context), grid_(new TPropertyGrid(this)) {
   setObjectName(QStringLiteral("frmOption"));
+  setHelpTopic(*this, "options");
   setWindowTitle(tr("Program Options"));
   grid_->setObjectName(QStringLiteral("vgOptions"));
   grid_->setAccessibleName(tr("Program options"));

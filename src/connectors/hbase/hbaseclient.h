@@ -1,0 +1,156 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "connectors/hbase/hbasefault.h"
+#include "connectors/storeapi.h"
+#include "connectors/thrift/thriftoptions.h"
+
+namespace hollowmere {
+
+struct THBaseCell {
+  std::string column;  ///< family:qualifier
+  std::string value;
+  std::int64_t timestamp = 0;  ///< milliseconds since 1970, UTC, unless the writer chose another
+};
+
+/// Bytes all: keys, columns and values need not be text.
+struct THBaseRow {
+  std::string key;
+  std::vector<THBaseCell> cells;  ///< the newest of each column, in the columns' order
+};
+
+/// What a scan gives. The range is that of the keys; empty: from the first, to the last.
+struct THBaseRange {
+  std::string table;
+  std::string filter;  ///< as it is sent
+  std::string from;    ///< the first key
+  std::string before;  ///< the key behind the last
+};
+
+/// A column family, with what the Thrift interface tells of it.
+struct THBaseFamily {
+  std::string name;  ///< without the colon
+  std::int32_t maxVersions = 1;
+  std::string compression = "NONE";
+  std::int32_t timeToLive = 0;  ///< seconds; 0: for ever
+  std::string bloomFilter = "NONE";
+  bool inMemory = false;
+  bool blockCache = true;
+
+  bool operator==(const THBaseFamily&) const = default;
+};
+
+struct THBaseRegion {
+  std::string name;
+  std::string from;
+  std::string before;
+  std::string server;  ///< "host:port"
+};
+
+/// Rows on their way to a server. Keeps its memory from batch to batch.
+class THBaseBatch {
+ public:
+  THBaseBatch();
+  THBaseBatch(const THBaseBatch&) = delete;
+  THBaseBatch& operator=(const THBaseBatch&) = delete;
+  ~THBaseBatch();
+
+  void clear();
+  void beginRow(std::string_view key);
+  void put(std::string_view column, std::string_view value);
+  void remove(std::string_view column);
+  /// Takes the last row out again.
+  void dropRow();
+
+  [[nodiscard]] std::size_t rows() const;
+  /// Of the message, nearly: rows with what the protocol puts around them.
+  [[nodiscard]] std::size_t bytes() const { return bytes_; }
+  [[nodiscard]] std::size_t lastRowBytes() const { return bytes_ - bytesBefore_; }
+
+ private:
+  friend class THBaseClient;
+  struct TRows;
+
+  void add(std::string_view column, std::string_view value, bool isDelete);
+
+  std::unique_ptr<TRows> rows_;
+  std::size_t bytes_ = 0;
+  std::size_t bytesBefore_ = 0;  ///< without the last row
+};
+
+/// A connection to HBase's first Thrift service. Belongs to one thread. Calls throw THBaseFault; when that
+/// says that the connection is lost, the next call opens a new one.
+class THBaseClient {
+ public:
+  /// Connects and has the server answer once.
+  explicit THBaseClient(const TThriftOptions& options);
+  THBaseClient(const THBaseClient&) = delete;
+  THBaseClient& operator=(const THBaseClient&) = delete;
+  ~THBaseClient();
+
+  [[nodiscard]] std::string where() const { return options_.where(); }
+  [[nodiscard]] bool stopped() const { return options_.stop && options_.stop->isSet(); }
+
+  // Scans. Opening checks nothing but the filter's text: what is wrong comes with the first rows.
+  std::int32_t openScanner(const THBaseRange& range, std::int32_t batch);
+  /// Up to that many next rows; none: the end.
+  void nextRows(std::int32_t scanner, std::int32_t most, const std::string& table,
+                std::vector<THBaseRow>& rows);
+  /// Faults are of no interest: the server closes what is left in the end.
+  void closeScanner(std::int32_t scanner) noexcept;
+
+  /// One row.
+  void mutateRow(const std::string& table, THBaseBatch& row);
+  /// Many. When this fails as a whole, some may be stored nevertheless.
+  void mutateRows(const std::string& table, THBaseBatch& rows);
+  /// The same in two halves, so that the server works while the next rows are made ready. No other call
+  /// may stand between.
+  void sendRows(const std::string& table, THBaseBatch& rows);
+  void awaitRows(const std::string& table);
+  void deleteRow(const std::string& table, const std::string& key);
+
+  /// No cells: there is no such row.
+  THBaseRow row(const std::string& table, const std::string& key);
+  /// A column's versions with their time stamps, the newest first.
+  std::vector<THBaseCell> versions(const std::string& table, const std::string& key,
+                                   const std::string& column, std::int32_t most);
+
+  // Tables.
+  std::vector<std::string> tables();
+  std::vector<THBaseFamily> families(const std::string& table);
+  std::vector<THBaseRegion> regions(const std::string& table);
+  bool isEnabled(const std::string& table);
+  void create(const std::string& table, const std::vector<THBaseFamily>& families);
+  void enable(const std::string& table);
+  void disable(const std::string& table);
+  /// Disables it first when it is enabled.
+  void drop(const std::string& table);
+  /// Drops the table and makes it anew with its families. Region splits, grants and what the interface does
+  /// not tell of a family are lost.
+  void truncate(const std::string& table);
+  /// Asks for it; the server does it later.
+  void compact(const std::string& table, bool major);
+
+ private:
+  struct TLink;
+
+  template <class TCall>
+  auto call(const char* method, const std::string& table, TCall&& act);
+  TLink& connected();
+  void prove();
+
+  TThriftOptions options_;
+  std::unique_ptr<TLink> link_;
+};
+
+/// By a connection record. Throws TStoreError (Connect) with that fixed text; without one, with a text that
+/// names host and port.
+std::unique_ptr<THBaseClient> connectHBase(const TStoreOptions& options, const std::string& fixedText = {});
+
+}  // namespace hollowmere

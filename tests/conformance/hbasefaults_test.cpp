@@ -1,0 +1,311 @@
+// An HBase that fails in the middle.
+#include <chrono>
+#include <thread>
+
+#include "conformance/bed.h"
+#include "connectors/hbase/hbaseclient.h"
+#include "connectors/hbase/hbaseconnector.h"
+#include "support/hbasewire/standin.h"
+
+namespace hollowmere {
+
+namespace {
+
+using hbasewire::THBaseStandIn;
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+using thriftwire::TFault;
+using thriftwire::TWireServer;
+
+struct TNamedFault {
+  const char* name;
+  TFault fault;
+};
+
+/// After which the connection is lost.
+const std::vector<TNamedFault> losses{{"close", TFault::close},
+                                      {"done, then close", TFault::doneThenClose},
+                                      {"half an answer", TFault::halfThenClose},
+                                      {"cut short", TFault::cutShort},
+                                      {"2 GB announced", TFault::hugeFrame},
+                                      {"garbage", TFault::garbage}};
+
+milliseconds since(steady_clock::time_point start) {
+  return std::chrono::duration_cast<milliseconds>(steady_clock::now() - start);
+}
+
+class HBaseFaults : public testing::Test {
+ protected:
+  std::unique_ptr<THBaseStandIn> server = std::make_unique<THBaseStandIn>();
+  std::unique_ptr<TStoreConnector> connector = makeHBaseConnector();
+  TRecordingSink sink;
+  TStopFlag stop;
+
+  HBaseFaults() { server->makeTable("out"); }
+
+  TStoreOptions options(std::int64_t bulkSize = 0, int timeout = 60) {
+    TValue record = hbaseRecord(server->port());
+    record.asObject().set("timeout", timeout);
+    TStoreOptions made = optionsFor(std::move(record));
+    made.bulkSize = bulkSize;
+    made.fetchLimit = 3;
+    made.stop = &stop;
+    return made;
+  }
+
+  std::unique_ptr<TTargetWriter> writer(std::int64_t bulkSize, int timeout = 60) {
+    auto made = connector->connectTarget(options(bulkSize, timeout));
+    made->openTarget({"target", "out", {}});
+    return made;
+  }
+
+  void write(TTargetWriter& to, int first, int count) {
+    for (int i = first; i < first + count; ++i)
+      to.write(TObject{{"rowkey", "r" + std::to_string(1000 + i)}, {"cf:a", i}}, sink);
+    to.flush(sink);
+  }
+
+  void fillRows() {
+    for (int i = 1; i <= 10; ++i) server->tables().put("in", "r" + std::to_string(100 + i), "cf:a", "1");
+  }
+
+  /// The keys of what can be read, and the error that ended it.
+  std::pair<std::string, std::string> read(const std::string& query = {}, int timeout = 60) {
+    const auto reader = connector->connectSource(options(0, timeout));
+    std::string keys;
+    const std::string fault = faultOf(TStoreErrorKind::DataSource, [&] {
+      reader->openRoot(hbaseSource("in", query), {});
+      while (const auto row = reader->next()) keys += row->find("rowkey")->asText().substr(1) + " ";
+    });
+    return {keys, fault};
+  }
+
+  [[nodiscard]] std::int64_t inServer() const {
+    return static_cast<std::int64_t>(server->tables().rowCount("out"));
+  }
+};
+
+constexpr char allKeys[] = "101 102 103 104 105 106 107 108 109 110 ";
+
+TEST_F(HBaseFaults, ReadingGoesOnBehindTheLastRow) {
+  fillRows();
+  for (const TNamedFault& loss : losses) {
+    SCOPED_TRACE(loss.name);
+    server->server().clearFaults();
+    server->server().onCall("scannerGetList", 2, loss.fault);
+    const auto [keys, fault] = read();
+    EXPECT_EQ(keys, allKeys);
+    EXPECT_EQ(fault, "");
+    // One that stays makes an end, and tells how far it came.
+    server->server().clearFaults();
+    for (int nth = 2; nth < 20; ++nth) server->server().onCall("scannerGetList", nth, loss.fault);
+    const auto [some, told] = read();
+    EXPECT_EQ(some, "101 102 103 ");
+    EXPECT_TRUE(told.ends_with(" The last row that was read has the key \"r103\".")) << told;
+    EXPECT_NE(told.find("127.0.0.1:" + std::to_string(server->port())), std::string::npos) << told;
+  }
+}
+
+TEST_F(HBaseFaults, AnExpiredScannerIsOpenedAnew) {
+  fillRows();
+  const auto expireBehind = [this](const std::string& query) {
+    const auto reader = connector->connectSource(options());
+    reader->openRoot(hbaseSource("in", query), {});
+    server->tables().expireScanners();
+    std::string keys;
+    const std::string fault = faultOf(TStoreErrorKind::DataSource, [&] {
+      while (const auto row = reader->next()) keys += row->find("rowkey")->asText().substr(1) + " ";
+    });
+    return keys + fault;
+  };
+  EXPECT_EQ(expireBehind(""), allKeys);
+  EXPECT_EQ(expireBehind("ValueFilter(=, 'binary:1')"), allKeys);
+  // From the middle this filter would count anew.
+  EXPECT_EQ(expireBehind("PageFilter(5)"), "101 102 103 The scanner expired on the server.");
+  EXPECT_EQ(server->tables().openScanners(), 0U);
+}
+
+TEST_F(HBaseFaults, EveryDocumentHasOneOutcome) {
+  int first = 1;
+  for (const std::int64_t bulkSize : {0, 3, 100})
+    for (const TNamedFault& loss : losses) {
+      SCOPED_TRACE(loss.name + std::string(", batches of ") + std::to_string(bulkSize));
+      const std::string method = bulkSize == 0 ? "mutateRow" : "mutateRows";
+      sink = {};
+      server->server().clearFaults();
+      server->server().onCall(method, bulkSize == 100 ? 1 : 2, loss.fault);
+      write(*writer(bulkSize), first, 10);
+      // A put can be repeated; one whose answer is absurd is not.
+      EXPECT_EQ(sink.storedCount, bulkSize == 0 && loss.fault == TFault::hugeFrame ? 9 : 10);
+      EXPECT_EQ(sink.storedCount + static_cast<std::int64_t>(sink.refusals.size()), 10);
+      first += 10;
+      EXPECT_GE(inServer(), sink.storedCount);
+
+      // Never confirmed, never counted.
+      sink = {};
+      server->server().onCall("mutateRow", TWireServer::every, loss.fault);
+      server->server().onCall("mutateRows", TWireServer::every, loss.fault);
+      write(*writer(bulkSize), first, 10);
+      EXPECT_EQ(sink.storedCount, 0);
+      EXPECT_EQ(sink.refusals.size(), 10U);
+      EXPECT_EQ(sink.refusals.at(0).first, "{\"rowkey\":\"r" + std::to_string(1000 + first) +
+                                               "\",\"cf:a\":" + std::to_string(first) + "}");
+      first += 10;
+    }
+}
+
+TEST_F(HBaseFaults, ARefusedBatchIsTakenApart) {
+  server->server().onCall("mutateRows", TWireServer::every, TFault::internalError);
+  write(*writer(4), 1, 10);
+  EXPECT_EQ(sink.storedCount, 10);
+  EXPECT_EQ(inServer(), 10);
+  EXPECT_EQ(server->server().calls("mutateRow"), 10U);
+  server->server().onCall("mutateRow", 2, TFault::internalError);
+  sink = {};
+  write(*writer(4), 11, 4);
+  EXPECT_EQ(sink.storedCount, 3);
+  ASSERT_EQ(sink.refusals.size(), 1U);
+  EXPECT_EQ(sink.refusals[0].second, "The server failed in mutateRow without giving a reason.");
+  EXPECT_EQ(inServer(), 13);
+}
+
+TEST_F(HBaseFaults, ATableThatGoesAwayInTheMiddle) {
+  for (const std::int64_t bulkSize : {0, 4}) {
+    sink = {};
+    const auto to = writer(bulkSize);
+    write(*to, 1, 4);
+    server->tables().disableTable("out");
+    write(*to, 5, 4);
+    EXPECT_EQ(sink.storedCount, 4);
+    ASSERT_EQ(sink.refusals.size(), 4U);
+    for (const auto& [text, message] : sink.refusals) EXPECT_EQ(message, "The table out is disabled.");
+    server->tables().enableTable("out");
+    write(*to, 5, 4);
+    EXPECT_EQ(sink.storedCount, 8);
+  }
+}
+
+TEST_F(HBaseFaults, AServerThatIsKilledAndComesBack) {
+  for (const std::int64_t bulkSize : {0, 5}) {
+    SCOPED_TRACE(bulkSize);
+    sink = {};
+    const auto to = writer(bulkSize);
+    write(*to, 1, 20);
+    const auto tables = server->sharedTables();
+    const std::uint16_t port = server->port();
+    server->server().stop();
+    write(*to, 21, 20);
+    EXPECT_EQ(sink.storedCount, 20);
+    ASSERT_EQ(sink.refusals.size(), 20U);
+    EXPECT_EQ(sink.refusals.back().second, "127.0.0.1:" + std::to_string(port) + " refused the connection.");
+    server = std::make_unique<THBaseStandIn>(thriftwire::TOptions{.port = port}, tables);
+    write(*to, 41, 20);
+    EXPECT_EQ(sink.storedCount, 40);
+    EXPECT_EQ(sink.refusals.size(), 20U);
+    EXPECT_EQ(inServer(), 40);
+  }
+}
+
+TEST_F(HBaseFaults, AConnectionThatTheServerFoundIdle) {
+  fillRows();
+  const auto to = writer(3);
+  const auto from = connector->connectSource(options());
+  from->openRoot(hbaseSource("in"), {});
+  write(*to, 1, 3);
+  server->server().dropConnections();
+  write(*to, 4, 3);
+  EXPECT_EQ(sink.storedCount, 6);
+  int rows = 0;
+  while (from->next()) ++rows;
+  EXPECT_EQ(rows, 10);
+}
+
+TEST_F(HBaseFaults, ASilentServerIsLeft) {
+  fillRows();
+  server->server().onCall("scannerGetList", 2, TFault::silence);
+  server->server().onCall("mutateRows", 1, TFault::halfThenSilence);
+  const auto start = steady_clock::now();
+  const auto [keys, fault] = read({}, 1);
+  EXPECT_EQ(keys, "101 102 103 ");
+  EXPECT_NE(fault.find("did not answer within 1 seconds."), std::string::npos) << fault;
+  write(*writer(10, 1), 1, 10);
+  EXPECT_EQ(sink.storedCount, 0);
+  EXPECT_EQ(sink.refusals.size(), 10U);
+  EXPECT_LT(since(start), milliseconds(4000));
+}
+
+TEST_F(HBaseFaults, StopDoesNotWaitForASilentServer) {
+  fillRows();
+  for (const char* method : {"scannerGetList", "getTableNames"})
+    server->server().onCall(method, TWireServer::every, TFault::silence);
+  server->server().onCall("mutateRows", TWireServer::every, TFault::silence);
+  server->server().clearFaults();
+  const auto to = writer(10);
+  server->server().onCall("mutateRows", TWireServer::every, TFault::silence);
+  std::jthread stopper([this] {
+    std::this_thread::sleep_for(milliseconds(100));
+    stop.set();
+  });
+  const auto start = steady_clock::now();
+  write(*to, 1, 25);
+  EXPECT_EQ(sink.storedCount, 0);
+  EXPECT_EQ(sink.refusals.size(), 25U);
+  EXPECT_LT(since(start), milliseconds(2500));
+}
+
+TEST_F(HBaseFaults, ConnectingTellsWhatIsWrong) {
+  const auto faultAt = [this](std::uint16_t port) {
+    TStoreOptions made = options(0, 5);
+    made.connection.asObject().set("port", static_cast<int>(port));
+    const std::string plain = faultOf(TStoreErrorKind::Connect, [&] { connectHBase(made); });
+    const std::string where = "127.0.0.1:" + std::to_string(port);
+    const std::string shown = "Unable to connect to the HBase database host: " + where + " ";
+    EXPECT_TRUE(plain.starts_with(shown)) << plain;
+    const std::string reason = plain.substr(std::min(plain.size(), shown.size()));
+    EXPECT_EQ(faultOf(TStoreErrorKind::Connect, [&] { connector->checkSource(made); }),
+              "Unable to connect to source HBase database. " + reason);
+    EXPECT_EQ(faultOf(TStoreErrorKind::Connect, [&] { connector->connectTarget(made); }),
+              "Unable to connect to target HBase database. " + reason);
+    return reason.starts_with(where) ? reason.substr(where.size()) : reason;
+  };
+  EXPECT_EQ(faultAt(1), " refused the connection.");
+  THBaseStandIn unframed({.framed = false});
+  EXPECT_EQ(faultAt(unframed.port()),
+            " answers without frames; the Thrift server must be started with framed transport (-f).");
+  server->server().onCall("getTableNames", TWireServer::every, TFault::close);
+  EXPECT_EQ(faultAt(server->port()), " closed the connection without an answer.");
+  server->server().clearFaults();
+  server->server().onCall("getTableNames", TWireServer::every, TFault::hugeFrame);
+  EXPECT_EQ(faultAt(server->port()),
+            " announced an answer of 2147483647 bytes; at most 268435456 are taken.");
+  server->server().clearFaults();
+  server->server().onCall("getTableNames", TWireServer::every, TFault::internalError);
+  EXPECT_EQ(faultAt(server->port()), "The server failed in getTableNames without giving a reason.");
+}
+
+TEST_F(HBaseFaults, ACellOf20MB) {
+  const std::string large(20 * 1024 * 1024, 'x');
+  for (const char* key : {"r1", "r2", "r3"}) server->tables().put("in", key, "cf:a", large);
+  const auto reader = connector->connectSource(options());
+  reader->openRoot(hbaseSource("in"), {});
+  int rows = 0;
+  while (const auto row = reader->next()) {
+    EXPECT_TRUE(row->find("cf:a")->asText() == large);
+    ++rows;
+  }
+  EXPECT_EQ(rows, 3);
+}
+
+TEST_F(HBaseFaults, BatchesKeepWithinAFrame) {
+  const auto to = writer(1000);
+  for (int i = 0; i < 100; ++i)
+    to->write(TObject{{"rowkey", "r" + std::to_string(i)}, {"cf:a", std::string(100'000, 'y')}}, sink);
+  to->flush(sink);
+  EXPECT_EQ(sink.storedCount, 100);
+  EXPECT_EQ(server->server().calls("mutateRows"), 5U);
+  EXPECT_EQ(server->server().calls("mutateRow"), 0U);
+}
+
+}  // namespace
+
+}  // namespace hollowmere

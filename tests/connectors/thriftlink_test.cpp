@@ -1,0 +1,234 @@
+#include "connectors/thrift/thriftlink.h"
+
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <functional>
+#include <thread>
+
+namespace hollowmere {
+namespace {
+
+using std::chrono::milliseconds;
+using TTime = std::chrono::steady_clock;
+
+/// Takes one connection after another on loopback and lets a script have them.
+class TScriptedPeer {
+ public:
+  using TScript = std::function<void(int connection)>;
+
+  explicit TScriptedPeer(TScript script, int connections = 1) : listener_(socket(AF_INET, SOCK_STREAM, 0)) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    auto* plain = reinterpret_cast<sockaddr*>(&address);
+    EXPECT_EQ(bind(listener_, plain, length), 0);
+    EXPECT_EQ(listen(listener_, 8), 0);
+    getsockname(listener_, plain, &length);
+    port_ = ntohs(address.sin_port);
+    thread_ = std::thread([this, script = std::move(script), connections] {
+      for (int i = 0; i < connections; ++i) {
+        const int connection = accept(listener_, nullptr, nullptr);
+        if (connection < 0) return;
+        script(connection);
+        ::close(connection);
+      }
+    });
+  }
+  ~TScriptedPeer() {
+    shutdown(listener_, SHUT_RDWR);
+    thread_.join();
+    ::close(listener_);
+  }
+  TScriptedPeer(const TScriptedPeer&) = delete;
+  TScriptedPeer& operator=(const TScriptedPeer&) = delete;
+
+  [[nodiscard]] TThriftOptions options() const {
+    TThriftOptions options;
+    options.host = "127.0.0.1";
+    options.port = port_;
+    return options;
+  }
+
+ private:
+  int listener_;
+  std::uint16_t port_ = 0;
+  std::thread thread_;
+};
+
+void say(int connection, std::string_view bytes) {
+  EXPECT_EQ(send(connection, bytes.data(), bytes.size(), MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
+}
+
+std::string hear(int connection) {
+  char bytes[65536];
+  const ssize_t got = recv(connection, bytes, sizeof bytes, 0);
+  return {bytes, static_cast<std::size_t>(std::max<ssize_t>(0, got))};
+}
+
+/// The bytes of a reply with one text in it.
+std::string replyBytes(const std::string& text) {
+  const std::string body = std::string("\x80\x01\x00\x02\x00\x00\x00\x01p\x00\x00\x00\x00", 13) +
+                           std::string(3, '\0') + static_cast<char>(text.size()) + text;
+  return std::string(3, '\0') + static_cast<char>(body.size()) + body;
+}
+
+void sendCall(TThriftLink& link) {
+  auto& out = *link.protocol();
+  out.writeMessageBegin("ping", apache::thrift::protocol::T_CALL, 0);
+  out.writeMessageEnd();
+  out.getTransport()->writeEnd();
+  out.getTransport()->flush();
+}
+
+std::string readReply(TThriftLink& link) {
+  auto& in = *link.protocol();
+  std::string name, text;
+  apache::thrift::protocol::TMessageType type{};
+  std::int32_t sequence = 0;
+  in.readMessageBegin(name, type, sequence);
+  in.readString(text);
+  in.readMessageEnd();
+  in.getTransport()->readEnd();
+  return text;
+}
+
+/// One call; the fault's text, or the reply.
+std::string callText(const TThriftOptions& options, TThriftFaultKind* kind = nullptr) {
+  try {
+    TThriftLink link(options);
+    sendCall(link);
+    return readReply(link);
+  } catch (const TThriftFault& fault) {
+    if (kind) *kind = fault.kind();
+    return fault.what();
+  }
+}
+
+TEST(ThriftLink, CallsAreHeldAndAnsweredInOrder) {
+  std::string heard;
+  TScriptedPeer peer([&](int connection) {
+    heard = hear(connection);
+    say(connection, replyBytes("one") + replyBytes("two"));
+    hear(connection);
+  });
+  TThriftLink link(peer.options());
+  link.hold();
+  sendCall(link);
+  sendCall(link);
+  link.release();
+  EXPECT_EQ(readReply(link), "one");
+  EXPECT_EQ(readReply(link), "two");
+  EXPECT_EQ(heard.size(), link.sentBytes());
+  EXPECT_EQ(heard.substr(0, 8), heard.substr(heard.size() / 2, 8));
+}
+
+struct TWrongAnswer {
+  std::string bytes;
+  TThriftFaultKind kind;
+  std::string text;  ///< behind the address
+};
+
+TEST(ThriftLink, WrongAnswersAreNamed) {
+  const std::vector<TWrongAnswer> answers = {
+      {"", TThriftFaultKind::Closed, " closed the connection without an answer."},
+      {std::string("\0\0", 2), TThriftFaultKind::Torn, " ended the connection within an answer."},
+      {replyBytes("cut").substr(0, 12), TThriftFaultKind::Torn, " ended the connection within an answer."},
+      {std::string("\0\0\0\x0d\x80\x01\0\x02\0\0\0\x01p\0\0\0\0", 17), TThriftFaultKind::Torn,
+       " sent an answer that is cut short."},
+      {"\x7f\xff\xff\xff", TThriftFaultKind::Oversized,
+       " announced an answer of 2147483647 bytes; at most 268435456 are taken."},
+      {"\xff\xff\xff\xff", TThriftFaultKind::Oversized,
+       " announced an answer of 4294967295 bytes; at most 268435456 are taken."},
+      {std::string("\x80\x01\0\x02", 4), TThriftFaultKind::NotFramed,
+       " answers without frames; it must use the framed transport."},
+      {"HTTP/1.1 400 Bad Request\r\n\r\n", TThriftFaultKind::NotFramed,
+       " is a web server, not a Thrift server with framed transport."},
+  };
+  for (const TWrongAnswer& answer : answers) {
+    TScriptedPeer peer([&](int connection) {
+      hear(connection);
+      say(connection, answer.bytes);
+      // Silence, where the bytes themselves are to be the fault.
+      if (answer.text.find("cut short") != std::string::npos) hear(connection);
+    });
+    TThriftFaultKind kind{};
+    EXPECT_EQ(callText(peer.options(), &kind), peer.options().where() + answer.text);
+    EXPECT_EQ(kind, answer.kind);
+  }
+}
+
+TEST(ThriftLink, RefusedUnknownAndSilent) {
+  TThriftOptions nobody;
+  {
+    TScriptedPeer gone([](int) {}, 0);
+    nobody = gone.options();
+  }
+  TThriftFaultKind kind{};
+  EXPECT_EQ(callText(nobody, &kind), nobody.where() + " refused the connection.");
+  EXPECT_EQ(kind, TThriftFaultKind::Refused);
+  nobody.host = "no-such-host.invalid";
+  callText(nobody, &kind);
+  EXPECT_EQ(kind, TThriftFaultKind::Unreachable);
+
+  TScriptedPeer silent([](int connection) {
+    hear(connection);
+    hear(connection);
+  });
+  TThriftOptions options = silent.options();
+  options.answerTime = milliseconds(200);
+  EXPECT_EQ(callText(options, &kind), options.where() + " did not answer within 1 seconds.");
+  EXPECT_EQ(kind, TThriftFaultKind::TimedOut);
+}
+
+TEST(ThriftLink, AStopEndsWaiting) {
+  TScriptedPeer silent([](int connection) {
+    hear(connection);
+    hear(connection);
+  });
+  TStopFlag stop;
+  TThriftOptions options = silent.options();
+  options.stop = &stop;
+  const auto begin = TTime::now();
+  std::thread stopper([&] {
+    std::this_thread::sleep_for(milliseconds(100));
+    stop.set();
+  });
+  TThriftFaultKind kind{};
+  callText(options, &kind);
+  stopper.join();
+  EXPECT_EQ(kind, TThriftFaultKind::Stopped);
+  EXPECT_LT(TTime::now() - begin, milliseconds(3000));
+}
+
+TEST(ThriftLink, AnUnframedServerIsRecognised) {
+  std::string heard;
+  TScriptedPeer unframed([&](int connection) {
+    heard = hear(connection);
+    if (heard.starts_with("\x80\x01")) say(connection, std::string("\x80\x01\0\x02", 4));
+  });
+  EXPECT_TRUE(answersUnframed(unframed.options(), "describe_version"));
+  EXPECT_EQ(heard.substr(8, 16), "describe_version");
+  TScriptedPeer framed([](int connection) { hear(connection); });
+  EXPECT_FALSE(answersUnframed(framed.options(), "describe_version"));
+}
+
+TEST(ThriftLink, OptionsComeFromTheRecord) {
+  TStoreOptions store;
+  store.connection = TObject{{"host", " db "}, {"port", "9161"}, {"timeout", 3}};
+  const TThriftOptions options = thriftOptions(store, "Cassandra", 9160);
+  EXPECT_EQ(options.where(), "db:9161");
+  EXPECT_EQ(options.answerTime, std::chrono::seconds(3));
+  store.connection = TObject{};
+  EXPECT_EQ(thriftOptions(store, "Cassandra", 9160).where(), "localhost:9160");
+  for (const TValue& port : {TValue(0), TValue("x"), TValue(70000), TValue(true)}) {
+    store.connection = TObject{{"port", port}};
+    EXPECT_THROW(thriftOptions(store, "Cassandra", 9160), TStoreError);
+  }
+}
+
+}  // namespace
+}  // namespace hollowmere
