@@ -11,6 +11,7 @@
 #include <QStyleFactory>
 #include <QTabWidget>
 #include <QTableView>
+#include <QTreeView>
 #include <chrono>
 #include <cstdio>
 #include <thread>
@@ -19,9 +20,7 @@
 #include "connectors/jsonfile/jsonfileconnector.h"
 #include "connectors/storeerror.h"
 #include "json/json.h"
-#include "jsondoc/binaryvalue.h"
 #include "jsondoc/ui/frmviewjson.h"
-#include "jsondoc/ui/jsontreeview.h"
 #include "project/ui/datasourcedialog.h"
 #include "project/ui/frmproject.h"
 #include "settings/ui/exportdialogs.h"
@@ -147,7 +146,7 @@ class TPictures {
         {"empty", TList()}};
     TfrmViewJSON window(world_.context, document, {});
     save(window, QStringLiteral("frmviewjson"));
-    auto* view = window.findChild<TJsonTreeView*>();
+    auto* view = window.findChild<QTreeView*>(QStringLiteral("tlJSON"));
     view->setCurrentIndex(view->model()->index(4, 1));
     save(window, QStringLiteral("frmviewjson_blob"));
     auto* blob = window.findChild<QTabWidget*>(QStringLiteral("pcBlob"));

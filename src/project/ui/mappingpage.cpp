@@ -543,12 +543,12 @@ void TMappingPage::showRow(int row) {
     document_->clear();
     return;
   }
-  const TPreviewRow& shown = *shownRow();
+  const TPreviewRow& sample = *shownRow();
   position_->setText(tr("Row %1 of the first %2").arg(row_ + 1).arg(count));
-  rowText_->setPlainText(readable(shown.rowText));
-  document_->setPlainText(shown.error.empty() ? QString::fromStdString(toPrettyJson(shown.document))
-                                              : QString());
-  if (!shown.error.empty()) fault_->setText(QString::fromStdString(shown.error));
+  rowText_->setPlainText(readable(sample.rowText));
+  document_->setPlainText(sample.error.empty() ? QString::fromStdString(toPrettyJson(sample.document))
+                                               : QString());
+  if (!sample.error.empty()) fault_->setText(QString::fromStdString(sample.error));
 }
 
 }  // namespace hollowmere
