@@ -317,6 +317,25 @@ def gridfs():
 
 
 @measurement
+def document_viewer():
+    """A document of 50 MB, a list of rows, in the document window, from its text to the first paint."""
+    count = size(115_000, 23_000)
+    name = path("document.json")
+    with open(rows_file(count)) as lines, open(name, "w") as out:
+        out.write("[" + ",".join(line.rstrip() for line in lines) + "]")
+    found = [json.loads(run(os.path.join(BIN, "hm-bench-viewjson"), name).out) for _ in range(ROUNDS)]
+    what = "document window, %.0f MB of text, " % (os.path.getsize(name) / 1e6)
+    table.add(what + "to the first paint", [each["parse"] + each["paint"] for each in found], ("at most", 1), " s",
+              "reading %.2f s, window %.2f s" % tuple(statistics.median(each[part] for each in found)
+                                                     for part in ("parse", "paint")))
+    table.add(what + "peak memory", [each["memory"] for each in found], ("at most", 12), " x its text")
+    table.add(what + "to the text page", [each["text"] for each in found], ("at most", 3), " s")
+    for peer, bar in (("rapidjson", 3), ("simdjson", 15)):
+        table.add(what + "to the first paint against a parse by " + peer,
+                  [(each["parse"] + each["paint"]) / each[peer] for each in found], ("at most", bar), " x")
+
+
+@measurement
 def start():
     """A whole run of one row: its first row cannot be read later than that."""
     walls = []

@@ -133,9 +133,10 @@ void TCodeEditor::makeFindBar() {
   find_->setClearButtonEnabled(true);
   find_->installEventFilter(this);
   layout->addWidget(find_, 1);
-  const auto addButton = [&](const char* icon, const QString& caption, void (TCodeEditor::*call)()) {
+  const auto addButton = [&](const char* name, const char* icon, const QString& caption,
+                             void (TCodeEditor::*call)()) {
     auto* button = new QToolButton(findBar_);
-    button->setObjectName(QLatin1String(icon));
+    button->setObjectName(QLatin1String(name));
     button->setIcon(themeIcon(icon));
     button->setText(caption);
     button->setToolTip(caption);
@@ -143,8 +144,8 @@ void TCodeEditor::makeFindBar() {
     layout->addWidget(button);
     connect(button, &QToolButton::clicked, this, call);
   };
-  addButton("go-up", tr("Find Previous"), &TCodeEditor::findPrevious);
-  addButton("go-down", tr("Find Next"), &TCodeEditor::findNext);
+  addButton("bFindPrevious", "go-up", tr("Find Previous"), &TCodeEditor::findPrevious);
+  addButton("bFindNext", "go-down", tr("Find Next"), &TCodeEditor::findNext);
   caseSensitive_ = new QCheckBox(tr("Match case"), findBar_);
   expression_ = new QCheckBox(tr("Regular expression"), findBar_);
   count_ = new QLabel(findBar_);
@@ -152,7 +153,7 @@ void TCodeEditor::makeFindBar() {
   layout->addWidget(caseSensitive_);
   layout->addWidget(expression_);
   layout->addWidget(count_);
-  addButton("edit-clear", tr("Close"), &TCodeEditor::hideFind);
+  addButton("bFindClose", "edit-clear", tr("Close"), &TCodeEditor::hideFind);
   connect(find_, &QLineEdit::textChanged, this, &TCodeEditor::onTerms);
   connect(caseSensitive_, &QCheckBox::toggled, this, &TCodeEditor::onTerms);
   connect(expression_, &QCheckBox::toggled, this, &TCodeEditor::onTerms);
@@ -269,6 +270,18 @@ void TCodeEditor::goTo(std::size_t offset) {
 
 void TCodeEditor::insert(std::string_view utf8) {
   area_->SendScintilla(QsciScintilla::SCI_REPLACESEL, std::string(utf8).c_str());
+}
+
+int TCodeEditor::line() const {
+  int line = 0, column = 0;
+  area_->getCursorPosition(&line, &column);
+  return line + 1;
+}
+
+int TCodeEditor::column() const {
+  int line = 0, column = 0;
+  area_->getCursorPosition(&line, &column);
+  return column + 1;
 }
 
 void TCodeEditor::setFocus() { area_->setFocus(); }

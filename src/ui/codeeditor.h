@@ -54,6 +54,8 @@ class TCodeEditor : public QWidget {
   /// Puts the cursor behind so many bytes and scrolls there.
   void goTo(std::size_t offset);
   void insert(std::string_view utf8);
+  [[nodiscard]] int line() const;    ///< of the cursor, from 1
+  [[nodiscard]] int column() const;  ///< of the cursor, from 1
   void setFocus();
 
  public Q_SLOTS:
