@@ -346,6 +346,80 @@ def start():
     table.add("hollowmere-cli run of one row, start to end", walls, ("at most", 0.2), " s")
 
 
+def mapped_project(nodes):
+    """A project with that many mapping nodes: groups of a hundred attributes."""
+    groups = [node("group%d" % group, "rows", "Data Source (JSON Object)",
+                   [node("attribute%d" % each, "id", "String") for each in range(99)])
+              for group in range(nodes // 100)]
+    return project(file(rows_file(100)), mongo(1), groups, name="mapped")
+
+
+@measurement
+def windows():
+    """The windows, drawn offscreen."""
+    os.environ["QT_QPA_PLATFORM"] = "offscreen"
+    bench = os.path.join(BIN, "hm-bench-windows")
+    program = os.path.join(BIN, "hollowmere")
+    starts, ratios = [], []
+    os.environ["HOLLOWMERE_END_AFTER_PAINT"] = "1"
+    for _ in range(ROUNDS + 1):
+        bare = run(bench, "bare").wall
+        starts.append(run(program).wall)
+        ratios.append(starts[-1] / bare)
+    del os.environ["HOLLOWMERE_END_AFTER_PAINT"]
+    # The first start has read the libraries from the disk.
+    table.add("hollowmere, start to the first window drawn", starts[1:], ("at most", 1.0), " s")
+    table.add("the same against an empty window", ratios[1:], ("at most", 3), " x")
+    opened, median, slowest = [], [], []
+    made = mapped_project(5000)
+    for _ in range(ROUNDS):
+        found = json.loads(run(bench, "project", made).out)
+        opened.append(found["open"])
+        median.append(statistics.median(found["edits"]) * 1000)
+        slowest.append(max(found["edits"]) * 1000)
+    table.add("a project of 5,000 mapping nodes, open and drawn", opened, ("at most", 0.5), " s")
+    table.add("an edit in it, drawn", median, ("at most", 16), " ms", "slowest %.1f ms" % max(slowest))
+    lines = size(400_000, 100_000)
+    shown, filtered, against = [], [], []
+    for _ in range(ROUNDS):
+        found = json.loads(run(bench, "log", str(lines)).out)
+        shown.append(lines / found["all"])
+        filtered.append(lines / found["filtered"])
+        against.append(found["plain"] / found["all"])
+    table.add("log lines shown a second", shown, ("at least", 100_000))
+    table.add("log lines filtered and shown a second", filtered, ("at least", 100_000))
+    table.add("the log against a plain text view that takes all", against, ("at least", 1), " x")
+
+
+def ticks_and_wakes(process):
+    """CPU ticks of a process so far, and how often its threads were woken."""
+    with open("/proc/%d/stat" % process) as stat:
+        fields = stat.read().rpartition(")")[2].split()
+    wakes = 0
+    for task in os.listdir("/proc/%d/task" % process):
+        with open("/proc/%d/task/%s/status" % (process, task)) as status:
+            wakes += int(re.search(r"^voluntary_ctxt_switches:\s*(\d+)", status.read(), re.M)[1])
+    return int(fields[11]) + int(fields[12]), wakes
+
+
+@measurement
+def idle():
+    """What the program does while nobody does anything: main window, a project, the connection list."""
+    os.environ["QT_QPA_PLATFORM"] = "offscreen"
+    with open(os.environ["HOLLOWMERE_SETTINGS"], "a") as settings:
+        settings.write("[General]\nshowConnWindow=true\n")
+    process = subprocess.Popen([os.path.join(BIN, "hollowmere"), mapped_project(100)])
+    try:
+        time.sleep(8)  # the notices come after six seconds
+        ticks, wakes = ticks_and_wakes(process.pid)
+        time.sleep(5)
+        ticks_then, wakes_then = ticks_and_wakes(process.pid)
+    finally:
+        process.terminate()
+        process.wait()
+    table.add("CPU ticks of the idle program in 5 s", [ticks_then - ticks], ("at most", 0))
+    table.add("wake-ups of the idle program in 5 s", [wakes_then - wakes], ("at most", 5))
+
 HBASE = [node("rowkey", "number", "String")] + [node("cf:" + name, name, "String") for name, _ in rows.FIELDS]
 
 
