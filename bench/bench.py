@@ -277,6 +277,8 @@ def start():
 
 HBASE = [node("rowkey", "number", "String")] + [node("cf:" + name, name, "String") for name, _ in rows.FIELDS]
 
+HBASE_COPY = [node(one["target"], one["target"], "String") for one in HBASE]
+
 
 def load_into_hbase(count, bulk, *sink_options):
     with HBaseSink(*sink_options) as sink:
@@ -313,7 +315,7 @@ def hbase_threads():
         for degree in speeds:
             count = each * degree
             with HBaseSink("--source", count, "--delay-ms", 1) as source, HBaseSink("--delay-ms", 1) as sink:
-                loaded = load(project(hbase(source.port), hbase(sink.port), (), bulk, degree), count)
+                loaded = load(project(hbase(source.port), hbase(sink.port), HBASE_COPY, bulk, degree), count)
             speeds[degree].append(count / loaded.result["seconds"])
     for degree in (2, 4, 8):
         table.add("HBase, 1 ms an answer, batches of 10, %d threads" % degree,
@@ -326,7 +328,7 @@ def hbase_memory():
 
     def copied(count):
         with HBaseSink("--source", count) as source, HBaseSink() as sink:
-            return load(project(hbase(source.port), hbase(sink.port), (), 1000), count).peak
+            return load(project(hbase(source.port), hbase(sink.port), HBASE_COPY, 1000), count).peak
 
     peaks = copied(few), copied(many)
     table.add("HBase to HBase, peak memory of %s rows over %s" % (format(many, ","), format(few, ",")),
