@@ -351,6 +351,11 @@ def hbase_server():
         own = load(project(file(rows_file(count)), hbase(int(port)), HBASE, bulk), count).wall
         ratios.append(peer / own)
         speeds.append((count / own, count / peer))
+    alone = count // 50
+    single = load(project(file(rows_file(alone)), hbase(int(port)), HBASE, 0), alone).result["seconds"] / alone
+    many = load(project(file(rows_file(count)), hbase(int(port)), HBASE, 100), count).result["seconds"] / count
+    table.add("a real HBase, batches of 100 against single rows", [single / many], ("at least", 20), " x",
+              "%s against %s" % (a_second(1, many), a_second(1, single)))
     table.add("file to a real HBase, speed against happybase", ratios, ("at least", 2), " x",
               "%s against %s" % tuple(a_second(statistics.median(s[i] for s in speeds), 1) for i in (0, 1)))
     subprocess.run([server, "stop", port], stdout=subprocess.DEVNULL)
