@@ -422,6 +422,8 @@ def idle():
 
 HBASE = [node("rowkey", "number", "String")] + [node("cf:" + name, name, "String") for name, _ in rows.FIELDS]
 
+HBASE_COPY = [node(one["target"], one["target"], "String") for one in HBASE]
+
 
 def load_into_hbase(count, bulk, *sink_options):
     with HBaseSink(*sink_options) as sink:
@@ -458,7 +460,7 @@ def hbase_threads():
         for degree in speeds:
             count = each * degree
             with HBaseSink("--source", count, "--delay-ms", 1) as source, HBaseSink("--delay-ms", 1) as sink:
-                loaded = load(project(hbase(source.port), hbase(sink.port), (), bulk, degree), count)
+                loaded = load(project(hbase(source.port), hbase(sink.port), HBASE_COPY, bulk, degree), count)
             speeds[degree].append(count / loaded.result["seconds"])
     for degree in (2, 4, 8):
         table.add("HBase, 1 ms an answer, batches of 10, %d threads" % degree,
@@ -471,7 +473,7 @@ def hbase_memory():
 
     def copied(count):
         with HBaseSink("--source", count) as source, HBaseSink() as sink:
-            return load(project(hbase(source.port), hbase(sink.port), (), 1000), count).peak
+            return load(project(hbase(source.port), hbase(sink.port), HBASE_COPY, 1000), count).peak
 
     peaks = copied(few), copied(many)
     table.add("HBase to HBase, peak memory of %s rows over %s" % (format(many, ","), format(few, ",")),
@@ -494,6 +496,11 @@ def hbase_server():
         own = load(project(file(rows_file(count)), hbase(int(port)), HBASE, bulk), count).wall
         ratios.append(peer / own)
         speeds.append((count / own, count / peer))
+    alone = count // 50
+    single = load(project(file(rows_file(alone)), hbase(int(port)), HBASE, 0), alone).result["seconds"] / alone
+    many = load(project(file(rows_file(count)), hbase(int(port)), HBASE, 100), count).result["seconds"] / count
+    table.add("a real HBase, batches of 100 against single rows", [single / many], ("at least", 20), " x",
+              "%s against %s" % (a_second(1, many), a_second(1, single)))
     table.add("file to a real HBase, speed against happybase", ratios, ("at least", 2), " x",
               "%s against %s" % tuple(a_second(statistics.median(s[i] for s in speeds), 1) for i in (0, 1)))
     subprocess.run([server, "stop", port], stdout=subprocess.DEVNULL)

@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "connectors/datetimetext.h"
+#include "connectors/hbase/hbasefiltertext.h"
+#include "connectors/hbase/hbasequery.h"
 #include "connectors/jsonfile/linereader.h"
 #include "connectors/jsonquery.h"
 #include "connectors/mongodb/bsonvalue.h"
@@ -135,7 +137,20 @@ void extendedJson(std::string_view bytes) {
   }
 }
 
-void filter(std::string_view bytes) { NormalizeHBaseFilter(bytes); }
+/// A filter is read or refused, and no value of a parameter can end the text that it stands in.
+void filter(std::string_view bytes) {
+  try {
+    parseHBaseFilter(NormalizeHBaseFilter(bytes));
+  } catch (const THBaseFilterError&) {
+  }
+  const std::string value(bytes);
+  const TObject parent{{"v", TValue::binary(value)}};
+  const THBaseFilter bound =
+      parseHBaseFilter(bindHBaseFilter("PrefixFilter(:v) AND RowFilter(=, 'binary::v')", parent));
+  REQUIRE(bound.parts.size() == 2);
+  REQUIRE(bound.parts[0].arguments[0].text == value);
+  REQUIRE(bound.parts[1].arguments[1].text == "binary:" + value);
+}
 
 void cassandra(std::string_view bytes) {
   const std::size_t zero = std::min(bytes.find('|'), bytes.size());
