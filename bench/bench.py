@@ -2,6 +2,7 @@
 a thing and what it is held against one after the other."""
 
 import argparse
+import filecmp
 import json
 import math
 import os
@@ -13,7 +14,8 @@ import threading
 import time
 
 import rows
-from harness import (BIN, TOOLS, HBaseSink, Sink, Table, file, hbase, interrupt, load, mongo, node, path, project, run)
+from harness import (BIN, TOOLS, HBaseSink, Sink, Table, file, hbase, interrupt, load, mongo, node, path, project, run,
+                     start_server, stop_server)
 
 BENCH = os.path.dirname(os.path.abspath(__file__))
 
@@ -69,6 +71,17 @@ def json_text():
             table.add("JSON text to document, %s, speed against %s" % (what, other),
                       [theirs / own for theirs, own in zip(found[other], ours)], ("at least", bar), " x",
                       "%.0f ns a document" % statistics.median(ours))
+
+
+@measurement
+def sql_to_mongodb():
+    """SQL statements to shell commands, one thread, CPU time; the parser alone reads the same statements."""
+    found = json.loads(run(os.path.join(BIN, "hm-bench-sql"), str(ROUNDS)).out)
+    for form in ("classic", "modern"):
+        table.add("SQL to MongoDB, %s form, 10,000 statements of %.0f characters" % (form, found["length"]),
+                  found[form], ("at most", 1), " s")
+        table.add("the same against the SQL parser alone", [a / b for a, b in zip(found[form], found["parser"])],
+                  ("at most", 6), " x", "%.1f µs a statement" % (statistics.median(found[form]) * 100))
 
 
 def load_file(count, children, bulk=1000, *sink_options):
@@ -265,6 +278,64 @@ def stopping():
 
 
 @measurement
+def gridfs():
+    """A large file into GridFS and back, beside the driver's own way, on a real server."""
+    megabytes, rounds = size(1000, 100), min(3, ROUNDS)
+    with open(path("large"), "wb") as out:
+        for _ in range(megabytes):
+            out.write(os.urandom(1_000_000))
+    with open(path("small"), "wb") as out:
+        out.write(b"x")
+    port = start_server()
+    uri, address = "mongodb://127.0.0.1:%d" % port, "127.0.0.1:%d/bench" % port
+    theirs, ours = os.path.join(BIN, "hm-bench-gridfs"), (os.path.join(BIN, "hollowmere-cli"), "mongo", address)
+    ratios, notes, peaks = {"put": [], "get": []}, {"put": [], "get": []}, []
+    run(*ours, "gridfs", "put", path("small"))
+    least = run(*ours, "gridfs", "get", "small", path("back")).peak
+    for number in range(rounds):
+        walls = {}
+        for who in (("driver", "ours") if number % 2 else ("ours", "driver")):
+            if who == "driver":
+                walls[who] = (run(theirs, "put", uri, path("large"), "copy").wall,
+                              run(theirs, "get", uri, path("back"), "copy").wall)
+            else:
+                ended = [run(*ours, "gridfs", "put", path("large"), "copy"),
+                         run(*ours, "gridfs", "get", "copy", path("back"))]
+                walls[who] = tuple(each.wall for each in ended)
+                peaks.extend(each.peak for each in ended)
+            if not filecmp.cmp(path("large"), path("back"), shallow=False):
+                raise RuntimeError("the file came back changed")
+            run(*ours, "gridfs", "delete", "copy")
+        for i, way in enumerate(("put", "get")):
+            ratios[way].append(walls["driver"][i] / walls["ours"][i])
+            notes[way].append(megabytes / walls["ours"][i])
+    stop_server(port)
+    for way in ("put", "get"):
+        table.add("GridFS %s of %d MB, speed against the driver's own" % (way, megabytes), ratios[way],
+                  ("at least", 0.9), " x", "%.0f MB/s" % statistics.median(notes[way]))
+    table.add("GridFS, peak memory of %d MB over one byte" % megabytes, [max(peaks) - least], ("at most", 16), " MB")
+
+
+@measurement
+def document_viewer():
+    """A document of 50 MB, a list of rows, in the document window, from its text to the first paint."""
+    count = size(115_000, 23_000)
+    name = path("document.json")
+    with open(rows_file(count)) as lines, open(name, "w") as out:
+        out.write("[" + ",".join(line.rstrip() for line in lines) + "]")
+    found = [json.loads(run(os.path.join(BIN, "hm-bench-viewjson"), name).out) for _ in range(ROUNDS)]
+    what = "document window, %.0f MB of text, " % (os.path.getsize(name) / 1e6)
+    table.add(what + "to the first paint", [each["parse"] + each["paint"] for each in found], ("at most", 1), " s",
+              "reading %.2f s, window %.2f s" % tuple(statistics.median(each[part] for each in found)
+                                                     for part in ("parse", "paint")))
+    table.add(what + "peak memory", [each["memory"] for each in found], ("at most", 12), " x its text")
+    table.add(what + "to the text page", [each["text"] for each in found], ("at most", 3), " s")
+    for peer, bar in (("rapidjson", 3), ("simdjson", 15)):
+        table.add(what + "to the first paint against a parse by " + peer,
+                  [(each["parse"] + each["paint"]) / each[peer] for each in found], ("at most", bar), " x")
+
+
+@measurement
 def start():
     """A whole run of one row: its first row cannot be read later than that."""
     walls = []
@@ -351,6 +422,8 @@ def idle():
 
 HBASE = [node("rowkey", "number", "String")] + [node("cf:" + name, name, "String") for name, _ in rows.FIELDS]
 
+HBASE_COPY = [node(one["target"], one["target"], "String") for one in HBASE]
+
 
 def load_into_hbase(count, bulk, *sink_options):
     with HBaseSink(*sink_options) as sink:
@@ -387,7 +460,7 @@ def hbase_threads():
         for degree in speeds:
             count = each * degree
             with HBaseSink("--source", count, "--delay-ms", 1) as source, HBaseSink("--delay-ms", 1) as sink:
-                loaded = load(project(hbase(source.port), hbase(sink.port), (), bulk, degree), count)
+                loaded = load(project(hbase(source.port), hbase(sink.port), HBASE_COPY, bulk, degree), count)
             speeds[degree].append(count / loaded.result["seconds"])
     for degree in (2, 4, 8):
         table.add("HBase, 1 ms an answer, batches of 10, %d threads" % degree,
@@ -400,7 +473,7 @@ def hbase_memory():
 
     def copied(count):
         with HBaseSink("--source", count) as source, HBaseSink() as sink:
-            return load(project(hbase(source.port), hbase(sink.port), (), 1000), count).peak
+            return load(project(hbase(source.port), hbase(sink.port), HBASE_COPY, 1000), count).peak
 
     peaks = copied(few), copied(many)
     table.add("HBase to HBase, peak memory of %s rows over %s" % (format(many, ","), format(few, ",")),
@@ -423,6 +496,11 @@ def hbase_server():
         own = load(project(file(rows_file(count)), hbase(int(port)), HBASE, bulk), count).wall
         ratios.append(peer / own)
         speeds.append((count / own, count / peer))
+    alone = count // 50
+    single = load(project(file(rows_file(alone)), hbase(int(port)), HBASE, 0), alone).result["seconds"] / alone
+    many = load(project(file(rows_file(count)), hbase(int(port)), HBASE, 100), count).result["seconds"] / count
+    table.add("a real HBase, batches of 100 against single rows", [single / many], ("at least", 20), " x",
+              "%s against %s" % (a_second(1, many), a_second(1, single)))
     table.add("file to a real HBase, speed against happybase", ratios, ("at least", 2), " x",
               "%s against %s" % tuple(a_second(statistics.median(s[i] for s in speeds), 1) for i in (0, 1)))
     subprocess.run([server, "stop", port], stdout=subprocess.DEVNULL)

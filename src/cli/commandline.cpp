@@ -16,7 +16,8 @@ void checkPositional(const TCommandLine& line, const TCommandSyntax& syntax) {
   const std::size_t wanted = syntax.positional.size();
   if (line.positional.size() < wanted)
     throw TUsageError("the argument " + syntax.positional[line.positional.size()] + " is missing");
-  if (line.positional.size() > wanted) throw TUsageError("too many arguments: " + line.positional[wanted]);
+  const std::size_t most = wanted + syntax.further;
+  if (line.positional.size() > most) throw TUsageError("too many arguments: " + line.positional[most]);
 }
 
 }  // namespace

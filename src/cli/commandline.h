@@ -18,6 +18,7 @@ struct TCommandSyntax {
   std::vector<std::string> positional;  ///< names of the arguments that must be there
   std::vector<std::string> switches;    ///< "--json"
   std::vector<std::string> valued;      ///< "-n", "--set": the next argument is the value
+  std::size_t further = 0;              ///< how many more arguments may stand behind
 };
 
 /// The arguments behind a sub-command, sorted out.

@@ -12,6 +12,7 @@
 #include "app/program.h"
 #include "cli/commandline.h"
 #include "cli/help.h"
+#include "cli/mongocommand.h"
 #include "engine/preview.h"
 #include "json/json.h"
 #include "project/projectdocument.h"
@@ -209,6 +210,8 @@ int sqlToMongoCommand(const TCall& call) {
   return 0;
 }
 
+int mongo(const TCall& call) { return mongoCommand(call.line, call.streams, call.prompt); }
+
 struct TCommand {
   TCommandSyntax syntax;
   std::function<int(const TCall&)> run;
@@ -223,6 +226,7 @@ const std::map<std::string, TCommand>& commands() {
       {"seal", {{{"FILE", "PROJECT"}, {}, {}}, sealCommand}},
       {"new", {{{}, {}, {}}, newCommand}},
       {"sql2mongo", {{{}, {"--modern"}, {}}, sqlToMongoCommand}},
+      {"mongo", {mongoSyntax(), mongo}},
   };
   return table;
 }

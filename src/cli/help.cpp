@@ -16,6 +16,7 @@ constexpr char programHelp[] =
   hollowmere-cli seal FILE PROJECT   make a project file of a project's document
   hollowmere-cli new              print the document of a new project
   hollowmere-cli sql2mongo        translate a SQL statement into a MongoDB shell command
+  hollowmere-cli mongo CONNECTION ACTION   look at and work on a MongoDB server, its files too
   hollowmere-cli COMMAND --help   more about one command
   hollowmere-cli --version
 
@@ -68,6 +69,26 @@ Without --modern the command is for shells that still have group, update and rem
 carriage returns, which a terminal shows as line ends.
   --modern  for today's shells: aggregation pipelines, updateMany, deleteMany, countDocuments
 A statement that cannot be translated is told on standard error, with its place under --modern; the exit code is 1.
+)"},
+      {"mongo", R"(hollowmere-cli mongo [--db DATABASE] CONNECTION ACTION
+
+CONNECTION is HOST[:PORT][/DATABASE], with the login of the kept connection to that host and port when there is
+one; or a file with a connection record as JSON text ("-": standard input). Results are JSON, one a line.
+  databases                      names
+  collections                    names, kinds and options
+  indexes COLLECTION
+  stats [COLLECTION]             of the database, or of a collection
+  find COLLECTION [FILTER]       documents; --sort, --projection: JSON; --skip, -n: numbers; --read: preference
+  command JSON                   a database command
+  run COMMAND                    of MongoDB's shell, or SQL; "-": the command comes from standard input; --page N: the
+                                 further pages, from 0; --shell: the program, else that of the settings
+  copy COLLECTION CONNECTION [COLLECTION]   to another server, or under another name
+  gridfs list [PATTERN]          files, those whose name matches a regular expression
+  gridfs put FILE [NAME]
+  gridfs get NAME [FILE]         without FILE into this folder under its own name
+  gridfs delete NAME
+  gridfs md5 NAME
+Ctrl-C stops; the exit code is 130 then.
 )"}};
   return texts;
 }

@@ -21,7 +21,7 @@ constexpr std::string_view saveFailed =
     R"(Unable to write to the registry key \Software\TamsburySoftware\Hollowmere\)";
 
 using S = TSettings;
-constexpr std::array<TSetting, 21> table = {{
+constexpr std::array<TSetting, 22> table = {{
     {"SoftwareVersion", &S::softwareVersion, "", ""},
     {"warnVersion", &S::warnVersion, "", ""},
     {"MongoDBshellExe", &S::mongoDBshellExe, "", ""},
@@ -43,14 +43,15 @@ constexpr std::array<TSetting, 21> table = {{
     {"sqlMemoHeight", &S::sqlMemoHeight, "", ""},
     {"maxfetchSize", &S::maxfetchSize, grid, "Max Fetch Limit", 1},
     {"showJsonIcon", &S::showJsonIcon, grid, "Show JSON Icon In Grid?"},
+    {"shellTimeout", &S::shellTimeout, "", "", 1},
 }};
 
 /// Saving writes two of the values earlier than loading reads them.
-constexpr std::array<std::string_view, 21> saveOrder = {
+constexpr std::array<std::string_view, 22> saveOrder = {
     "SoftwareVersion", "warnVersion", "MongoDBshellExe", "rowAutoHeight", "colAutoWidth", "ignoreNulls",
     "fetchSize",       "fetchLimit",  "maxfetchSize",    "showJsonIcon",  "httpTimeout",  "loadDegree",
     "loadNum",         "discardNum",  "skipNum",         "logFile",       "discFile",     "showConnWindow",
-    "bit64Warn",       "bufLen",      "sqlMemoHeight"};
+    "bit64Warn",       "bufLen",      "sqlMemoHeight",   "shellTimeout"};
 
 bool parse(std::string_view text, std::string& value) {
   value = text;

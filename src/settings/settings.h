@@ -37,7 +37,8 @@ struct TSettings {
   std::int64_t bufLen = 1000000;     ///< bytes
   std::int64_t sqlMemoHeight = 150;  ///< pixels
   std::int64_t maxfetchSize = 100000;
-  std::string showJsonIcon = "N";  ///< "Y" or "N"
+  std::string showJsonIcon = "N";   ///< "Y" or "N"
+  std::int64_t shellTimeout = 300;  ///< seconds that a run of MongoDB's shell may take
 
   bool operator==(const TSettings&) const = default;
 };

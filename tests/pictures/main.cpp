@@ -1,6 +1,7 @@
 // pictures FOLDER [dark]: draws every window offscreen into FOLDER/NAME.png. QT_SCALE_FACTOR=2 for the
 // pictures of a display with twice the pixels.
 #include <QApplication>
+#include <QBuffer>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QLabel>
@@ -10,6 +11,7 @@
 #include <QStyleFactory>
 #include <QTabWidget>
 #include <QTableView>
+#include <QTreeView>
 #include <chrono>
 #include <cstdio>
 #include <thread>
@@ -19,6 +21,7 @@
 #include "connectors/jsonfile/jsonfileconnector.h"
 #include "connectors/storeerror.h"
 #include "json/json.h"
+#include "jsondoc/ui/frmviewjson.h"
 #include "project/runtexts.h"
 #include "project/ui/datasourcedialog.h"
 #include "project/ui/frmproject.h"
@@ -28,6 +31,7 @@
 #include "settings/ui/frmoption.h"
 #include "support/toystore.h"
 #include "support/windowworld.h"
+#include "ui/codeeditor.h"
 #include "ui/propertygrid.h"
 
 namespace hollowmere {
@@ -43,6 +47,7 @@ class TPictures {
     connectionTest();
     connectionList();
     exportDialogs();
+    documentViewer();
     project();
     mappingFaults();
     runningLoad();
@@ -119,6 +124,49 @@ class TPictures {
     save(dialog, QStringLiteral("exportdialog_sealed"));
     TPassPhraseDialog phrase;
     save(phrase, QStringLiteral("passphrasedialog"));
+  }
+
+  static std::string picture() {
+    QImage image(160, 120, QImage::Format_RGB32);
+    for (int y = 0; y < 120; ++y)
+      for (int x = 0; x < 160; ++x) image.setPixel(x, y, qRgb(x, y * 2, 160 - x));
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    return bytes.toStdString();
+  }
+
+  void documentViewer() {
+    const TObject document{
+        {"_id", TObjectId{0x5f, 1, 2, 3}},
+        {"name", "Ada Lovelace"},
+        {"born", TValue::dateTime(-4857062400000)},
+        {"address",
+         TObject{{"city", "London"}, {"zip", nullptr}, {"lines", TList{"12 St James's Square", 2, true}}}},
+        {"picture", TValue::binary(picture())},
+        {"note", "A long text. " + std::string(300, 'x')},
+        {"total", 12.5},
+        {"total", 13},
+        {"empty", TList()}};
+    TfrmViewJSON window(world_.context, document, {});
+    save(window, QStringLiteral("frmviewjson"));
+    auto* view = window.findChild<QTreeView*>(QStringLiteral("tlJSON"));
+    view->setCurrentIndex(view->model()->index(4, 1));
+    save(window, QStringLiteral("frmviewjson_blob"));
+    auto* blob = window.findChild<QTabWidget*>(QStringLiteral("pcBlob"));
+    blob->setCurrentIndex(2);
+    view->setCurrentIndex(view->model()->index(1, 1));
+    view->edit(view->currentIndex());
+    save(window, QStringLiteral("frmviewjson_edit"));
+    view->setCurrentIndex(view->model()->index(4, 1));
+    blob->setCurrentIndex(2);
+    save(window, QStringLiteral("frmviewjson_hex"));
+    window.findChild<QTabWidget*>(QStringLiteral("pcDocument"))->setCurrentIndex(1);
+    auto* text = window.findChild<TCodeEditor*>(QStringLiteral("mText"));
+    text->showFind();
+    text->findChild<QLineEdit*>(QStringLiteral("mTextFind"))->setText(QStringLiteral("to"));
+    save(window, QStringLiteral("frmviewjson_text"));
   }
 
   /// Lets timers and other threads work for a while.

@@ -64,7 +64,8 @@ TEST_F(TSettingsTest, FirstStartWritesEveryDefault) {
                            {"bufLen", "1000000"},
                            {"sqlMemoHeight", "150"},
                            {"maxfetchSize", "100000"},
-                           {"showJsonIcon", "N"}};
+                           {"showJsonIcon", "N"},
+                           {"shellTimeout", "300"}};
   EXPECT_EQ(load(), defaultSettings(folder_));
   EXPECT_EQ(stored(), expected);
   EXPECT_EQ(permissionsOf(file_), 0600U);

@@ -50,6 +50,15 @@ std::string trimmed(const std::string& text) {
   return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
 }
 
+/// The driver may repeat the connection string that it could not read.
+std::string withoutSecret(std::string text, const std::string& secret) {
+  if (secret.empty()) return text;
+  for (const std::string& form : {secret, percentEncoded(secret)})
+    for (std::size_t at = 0; (at = text.find(form, at)) != std::string::npos; at += 8)
+      text.replace(at, form.size(), "********");
+  return text;
+}
+
 std::string randomMark() {
   std::random_device device;
   std::string mark = "#";
@@ -185,7 +194,8 @@ TShellResult TShellRunner::runToday(const std::string& recordText, const TShellC
   const TShellHome home;
   const TWorkFiles files(settings_.dataFolder + "data/");
   const std::string mark = randomMark();
-  files.writeScript(todayScript(command, parseJson(recordText), mark));
+  const TValue record = parseJson(recordText);
+  files.writeScript(todayScript(command, record, mark));
   TChildJob job = childJob(settings_);
   job.program = settings_.program;
   job.arguments = {"--quiet", "--norc", "--nodb", "--file", files.path(files.runFile())};
@@ -200,8 +210,10 @@ TShellResult TShellRunner::runToday(const std::string& recordText, const TShellC
   const TChildResult ended = runChild(job);
   lines.finish();
   if (const std::string fault = faultOf(ended, settings_); !fault.empty()) result.error = fault;
-  if (result.error.empty() && ended.code != 0)
-    result.error = ended.errors.empty() ? exitText(ended) : trimmed(ended.errors);
+  // Of an error that is no marked one only the first line: the others show pieces of the script.
+  const std::string first = trimmed(ended.errors.substr(0, ended.errors.find('\n')));
+  if (result.error.empty() && ended.code != 0) result.error = first.empty() ? exitText(ended) : first;
+  result.error = withoutSecret(result.error, textMember(record, "password"));
   result.text = trimmed(result.text);
   if (!result.error.empty()) result.more = false;
   return result;

@@ -17,21 +17,6 @@ std::string literal(std::string_view text) {
   return out;
 }
 
-/// Everything but unreserved characters in hexadecimal, as a connection string asks for.
-std::string percentEncoded(std::string_view text) {
-  constexpr char digits[] = "0123456789ABCDEF";
-  constexpr std::string_view plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-_.~";
-  std::string out;
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (plain.find(c) != std::string_view::npos)
-      out += c;
-    else
-      out += std::string{'%', digits[byte >> 4], digits[byte & 15]};
-  }
-  return out;
-}
-
 std::string connectionString(const TValue& record, const std::string& database) {
   const std::string user = textMember(record, "user");
   std::string host = textMember(record, "host");
@@ -77,6 +62,20 @@ constexpr char ending[] = R"(
 )";
 
 }  // namespace
+
+std::string percentEncoded(std::string_view text) {
+  constexpr char digits[] = "0123456789ABCDEF";
+  constexpr std::string_view plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-_.~";
+  std::string out;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (plain.find(c) != std::string_view::npos)
+      out += c;
+    else
+      out += std::string{'%', digits[byte >> 4], digits[byte & 15]};
+  }
+  return out;
+}
 
 std::string legacyScript(const TShellCommand& command) {
   std::string script;

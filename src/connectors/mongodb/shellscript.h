@@ -30,4 +30,7 @@ std::string todayScript(const TShellCommand& command, const TValue& record, std:
 /// __hmShow(), and "use", "show" and "exit", which no script may hold, are put in JavaScript.
 std::string scriptStatements(std::string_view command);
 
+/// As a part of a connection string: everything but unreserved characters in hexadecimal.
+std::string percentEncoded(std::string_view text);
+
 }  // namespace hollowmere

@@ -33,11 +33,6 @@ const QString& placementGroup() {
   return group;
 }
 
-const QString& blobShownKey() {
-  static const QString key = placementGroup() + QLatin1String("/blobShown");
-  return key;
-}
-
 }  // namespace
 
 TfrmViewJSON::TfrmViewJSON(TWindowContext& context, TValue document, const TViewJsonOptions& options,
@@ -89,7 +84,6 @@ TfrmViewJSON::~TfrmViewJSON() {
   savePlacement(context_.store, placementGroup(), *this);
   saveState(context_.store, placementGroup(), *splitter_);
   saveState(context_.store, placementGroup(), *view_->header(), view_->objectName());
-  context_.store.setValue(blobShownKey(), actions_.at("actBlob")->isChecked());
 }
 
 QAction* TfrmViewJSON::addAction(const char* name, const QString& caption, const char* icon,
@@ -151,7 +145,7 @@ void TfrmViewJSON::makeActions() {
   bar_->addSeparator();
   QAction* blob = addAction("actBlob", tr("Binary Value"), "document-edit", {}, &TfrmViewJSON::onBlobPanel);
   blob->setCheckable(true);
-  blob->setChecked(context_.store.value(blobShownKey(), false).toBool());
+  blob->setChecked(context_.store.value(placementGroup() + QLatin1String("/blobShown"), false).toBool());
   onBar(blob);
   inTree(addAction("actCopyValue", tr("Copy Value"), "", QKeySequence::Copy, &TfrmViewJSON::onCopyValue));
   inTree(addAction("actCopyPath", tr("Copy Path"), "", tr("Ctrl+Shift+C"), &TfrmViewJSON::onCopyPath));

@@ -86,7 +86,7 @@ class TfrmViewJSON : public QDialog {
   void convert(TKind kind);
   void find(bool forward);
   void addNested(TKind kind);
-  void showBlob();
+  void showBlob(bool comesUp);
   void fillText();
   bool takeText();
   /// Takes a document's text, of the text page or from elsewhere, into the tree; says why not otherwise.

@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QLocale>
 #include <QMenu>
+#include <QSettings>
 #include <QTabWidget>
 #include <QTextDocument>
 
@@ -37,6 +38,8 @@ constexpr qint64 countMilliseconds = 200;
 /// Texts above that are read and written beside the windows, with a way to stop.
 constexpr std::size_t quickBytes = 1024 * 1024;
 constexpr std::size_t quickRows = 20000;
+
+QString blobShownKey() { return QStringLiteral("viewJson/blobShown"); }
 
 QString fileFilter() { return QCoreApplication::translate("Messages", "JSON files (*.json);;All files (*)"); }
 
@@ -215,7 +218,10 @@ void TfrmViewJSON::onFindPrevious() { find(false); }
 
 // Binary values
 
-void TfrmViewJSON::onBlobPanel() { showBlob(); }
+void TfrmViewJSON::onBlobPanel() {
+  context_.store.setValue(blobShownKey(), actions_.at("actBlob")->isChecked());
+  showBlob(false);
+}
 
 void TfrmViewJSON::onBlobEdited(const QString& text) {
   const TJsonPlace at = place();
@@ -226,11 +232,11 @@ void TfrmViewJSON::onBlobEdited(const QString& text) {
   tree_.setScalar(at, old.is(TKind::Text) ? TValue(given) : editedScalar(old, given, context_.dates));
 }
 
-void TfrmViewJSON::showBlob() {
+void TfrmViewJSON::showBlob(bool comesUp) {
   const TJsonPlace at = place();
   const bool scalar = at && !TJsonTree::isContainer(at);
   const bool binary = scalar && mayHoldBytes(TJsonTree::item(at).value);
-  if (binary && sender() != actions_.at("actBlob")) actions_.at("actBlob")->setChecked(true);
+  if (binary && comesUp) actions_.at("actBlob")->setChecked(true);
   const bool shown = actions_.at("actBlob")->isChecked();
   blob_->setVisible(shown);
   if (!shown) return;
@@ -244,7 +250,7 @@ void TfrmViewJSON::showBlob() {
 // Both pages
 
 void TfrmViewJSON::onCurrent() {
-  showBlob();
+  showBlob(true);
   enableActions();
   showState();
 }

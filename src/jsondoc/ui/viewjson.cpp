@@ -34,6 +34,10 @@ std::optional<TValue> readShown(TWindowContext& context, const std::string& text
 
 std::optional<TValue> viewJsonDocument(TWindowContext& context, QWidget* parent, TValue document,
                                        const TViewJsonOptions& options) {
+  if (!document.isNested()) {
+    context.prompt.error(invalidDocument);
+    return std::nullopt;
+  }
   TfrmViewJSON window(context, std::move(document), options, parent);
   if (window.exec() != QDialog::Accepted) return std::nullopt;
   return window.takeDocument();

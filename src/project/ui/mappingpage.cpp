@@ -5,6 +5,7 @@
 #include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -16,6 +17,7 @@
 
 #include "engine/targettype.h"
 #include "json/json.h"
+#include "jsondoc/ui/viewjson.h"
 #include "project/edittexts.h"
 #include "project/runcheck.h"
 #include "ui/icons.h"
@@ -251,14 +253,24 @@ void TMappingPage::makePreview() {
   previous_->setObjectName(QStringLiteral("bPreviousRow"));
   next_ = new QPushButton(themeIcon("go-next"), tr("&Next Row"), panel);
   next_->setObjectName(QStringLiteral("bNextRow"));
-  bar->addWidget(previous_);
-  bar->addWidget(next_);
+  viewRow_ = new QPushButton(themeIcon("edit-find"), tr("&View Source Row"), panel);
+  viewRow_->setObjectName(QStringLiteral("bViewRow"));
+  viewDocument_ = new QPushButton(themeIcon("edit-find"), tr("View Docu&ment"), panel);
+  viewDocument_->setObjectName(QStringLiteral("bViewDocument"));
+  for (QPushButton* button : {viewRow_, viewDocument_, previous_, next_}) bar->addWidget(button);
+  connect(viewRow_, &QPushButton::clicked, this, &TMappingPage::bViewRowClick);
+  connect(viewDocument_, &QPushButton::clicked, this, &TMappingPage::bViewDocumentClick);
   connect(previous_, &QPushButton::clicked, this, [this] { showRow(row_ - 1); });
   connect(next_, &QPushButton::clicked, this, [this] { showRow(row_ + 1); });
   auto* views = new QSplitter(panel);
   views->setObjectName(QStringLiteral("previewSplitter"));
   rowText_ = makeView(views, "mPreviewRow", tr("Source row"));
   document_ = makeView(views, "mPreviewDocument", tr("Resulting document"));
+  // A double click reaches the viewport, Enter the view itself.
+  for (QPlainTextEdit* view : {rowText_, document_}) {
+    view->installEventFilter(this);
+    view->viewport()->installEventFilter(this);
+  }
   layout->addWidget(views, 1);
   fault_ = new QLabel(panel);
   fault_->setObjectName(QStringLiteral("lPreviewFault"));
@@ -267,6 +279,31 @@ void TMappingPage::makePreview() {
   layout->addWidget(fault_);
   // Half and half; the splitter brings them down to its width.
   splitter_->setSizes({10000, 10000});
+}
+
+const TPreviewRow* TMappingPage::shownRow() const {
+  const auto at = static_cast<std::size_t>(row_);
+  return at < result_.rows.size() ? &result_.rows[at] : nullptr;
+}
+
+void TMappingPage::bViewRowClick() {
+  if (const TPreviewRow* row = shownRow())
+    viewJsonText(context_, this, row->rowText, {true, tr("Source Row %1").arg(row_ + 1)});
+}
+
+void TMappingPage::bViewDocumentClick() {
+  const TPreviewRow* row = shownRow();
+  if (row && row->error.empty())
+    viewJsonDocument(context_, this, row->document, {true, tr("Resulting Document of Row %1").arg(row_ + 1)});
+}
+
+bool TMappingPage::eventFilter(QObject* watched, QEvent* event) {
+  const bool enter =
+      event->type() == QEvent::KeyPress && (static_cast<QKeyEvent*>(event)->key() == Qt::Key_Return ||
+                                            static_cast<QKeyEvent*>(event)->key() == Qt::Key_Enter);
+  if (!enter && event->type() != QEvent::MouseButtonDblClick) return QWidget::eventFilter(watched, event);
+  watched == rowText_ || watched == rowText_->viewport() ? bViewRowClick() : bViewDocumentClick();
+  return true;
 }
 
 void TMappingPage::insert(QTreeWidgetItem* parent, int place, const TMapNode& node) {
@@ -498,6 +535,8 @@ void TMappingPage::showRow(int row) {
   row_ = std::clamp(row, 0, std::max(0, count - 1));
   previous_->setEnabled(row_ > 0);
   next_->setEnabled(row_ + 1 < count);
+  viewRow_->setEnabled(count > 0);
+  viewDocument_->setEnabled(count > 0 && shownRow()->error.empty());
   fault_->setText(QString::fromStdString(result_.error));
   if (count == 0) {
     position_->setText(tr("No rows"));
@@ -505,12 +544,12 @@ void TMappingPage::showRow(int row) {
     document_->clear();
     return;
   }
-  const TPreviewRow& shownRow = result_.rows[static_cast<std::size_t>(row_)];
+  const TPreviewRow& sample = *shownRow();
   position_->setText(tr("Row %1 of the first %2").arg(row_ + 1).arg(count));
-  rowText_->setPlainText(readable(shownRow.rowText));
-  document_->setPlainText(shownRow.error.empty() ? QString::fromStdString(toPrettyJson(shownRow.document))
-                                                 : QString());
-  if (!shownRow.error.empty()) fault_->setText(QString::fromStdString(shownRow.error));
+  rowText_->setPlainText(readable(sample.rowText));
+  document_->setPlainText(sample.error.empty() ? QString::fromStdString(toPrettyJson(sample.document))
+                                               : QString());
+  if (!sample.error.empty()) fault_->setText(QString::fromStdString(sample.error));
 }
 
 }  // namespace hollowmere

@@ -53,6 +53,9 @@ class TMappingPage : public QWidget {
   void edited();
   void refused(const QString& message);
 
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
  private:
   void makeButtons();
   void makePreview();
@@ -78,6 +81,9 @@ class TMappingPage : public QWidget {
   void requestPreview();
   void onPreview(std::size_t root, const TPreviewResult& result);
   void showRow(int row);
+  [[nodiscard]] const TPreviewRow* shownRow() const;
+  void bViewRowClick();
+  void bViewDocumentClick();
 
   TWindowContext& context_;
   TProjectEditor& editor_;
@@ -91,6 +97,8 @@ class TMappingPage : public QWidget {
   QLabel* fault_;
   QPushButton* previous_;
   QPushButton* next_;
+  QPushButton* viewRow_;
+  QPushButton* viewDocument_;
   TPreviewJob preview_;
   TPreviewResult result_;
   std::vector<TMapNode> shown_;         ///< what the tree shows
