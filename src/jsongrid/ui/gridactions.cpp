@@ -202,8 +202,10 @@ void TGridActions::printAll() {
 void TGridActions::previewAll() {
   const auto table = source_.all();
   if (table->rows() > previewedRows &&
-      !context_.prompt.confirm("A preview of " + std::to_string(table->rows()) +
-                               " rows takes much time and memory. Are you sure to show it?"))
+      !context_.prompt.confirm(
+          text("A preview of %1 rows takes much time and memory. Are you sure to show it?")
+              .arg(table->rows())
+              .toStdString()))
     return;
   previewPages(
       context_, &window_,
