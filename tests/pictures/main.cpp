@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStyleFactory>
@@ -22,6 +23,8 @@
 #include "jsondoc/binaryvalue.h"
 #include "jsondoc/ui/frmviewjson.h"
 #include "jsondoc/ui/jsontreeview.h"
+#include "jsongrid/ui/addattributedialog.h"
+#include "jsongrid/ui/frmjson.h"
 #include "project/ui/datasourcedialog.h"
 #include "project/ui/frmproject.h"
 #include "settings/ui/exportdialogs.h"
@@ -46,6 +49,7 @@ class TPictures {
     connectionList();
     exportDialogs();
     documentViewer();
+    jsonGrid();
     project();
     mainWindow();
   }
@@ -163,104 +167,131 @@ class TPictures {
     text->showFind();
     text->findChild<QLineEdit*>(QStringLiteral("mTextFind"))->setText(QStringLiteral("to"));
     save(window, QStringLiteral("frmviewjson_text"));
-  }
-
-  /// Lets timers and other threads work for a while.
-  static void wait(int milliseconds) {
-    QElapsedTimer timer;
-    for (timer.start(); timer.elapsed() < milliseconds;)
-      QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
-  }
-
-  TProject sampleProject() {
-    const std::string file = world_.temp.file("orders.json");
-    std::string lines;
-    for (int i = 1; i <= 200; ++i)
-      lines += R"({"order":)" + std::to_string(1000 + i) + R"(,"placed":"2026-03-0)" +
-               std::to_string(1 + i % 9) + R"( 10:15:00","total":")" + std::to_string(i) +
-               R"(.50","paid":"true","city":"Leiden",)" + R"("lines":[{"sku":"A-17","quantity":2}]})" + "\n";
-    writeBytes(file, lines);
-    TProject project = newProject(world_.settings, world_.folder);
-    project.projectName = "Orders";
-    project.source = {"JSON File", file};
-    project.target = {"MongoDB", mongo_};
-    project.dataSources.push_back({"JSON File", file, 0});
-    project.dataTargets.push_back({"orders", "orders", ""});
-    project.mapping.push_back(
-        {"orders",
-         "JSON File",
-         "Data Source (JSON List)",
-         {{"_id", "order", "Number", {}},
-          {"placed", "placed", "DateTime", {}},
-          {"total", "total", "Number", {}},
-          {"paid", "paid", "Boolean", {}},
-          {"lines", "lines", "JSON List", {}},
-          {"delivery", "JSON File", "Data Source (JSON Object)", {{"city", "city", "String", {}}}}}});
-    return project;
-  }
-
-  void project() {
-    TfrmProject window(world_.context, sampleProject());
-    window.resize(1200, 700);
-    auto* pages = window.findChild<QTabWidget*>(QStringLiteral("pages"));
-    const QStringList names{"general", "sources", "targets", "mapping", "run"};
-    for (int page = 0; page < pages->count(); ++page) {
-      window.show();
-      pages->setCurrentIndex(page);
-      wait(names.value(page) == QLatin1String("mapping") ? 1500 : 50);
-      save(window, names.value(page));
+    void jsonGrid() {
+      const char* cities[] = {"Leiden", "Delft", "Zürich", "São Paulo"};
+      TList documents;
+      for (int i = 0; i < 1234; ++i) {
+        TObject order{{"_id", 1000 + i}, {"city", cities[i % 4]}, {"total", 12.5 * i}, {"paid", i % 3 == 0}};
+        if (i % 2 == 0) order.add("placed", TValue::dateTime(1767323045000 + i * 86'400'000LL));
+        order.add("lines", parseJson(R"([{"sku":"A-17","quantity":2},{"sku":"B-2","quantity":1}])"));
+        if (i % 5 == 0)
+          order.add("photo",
+                    "&base64;iVBORw0KGgoAAAANSUhEUgAAAAoAAAAKCAIAAAACUFjqAAAAEklEQVR4nGP4z8CAB+"
+                    "GTG8HSALfKY52fTcuYAAAAAElFTkSuQmCC");
+        documents.emplace_back(std::move(order));
+      }
+      TJsonWindowOptions options;
+      options.saveAsNewCollection = [](QWidget*, const TList&) {};
+      TfrmJSON window(world_.context, std::move(documents), options, nullptr);
+      save(window, QStringLiteral("frmjson"));
+      auto* table = window.findChild<QTableView*>(QStringLiteral("gDocuments"));
+      table->model()->setData(table->model()->index(1, 1), QStringLiteral("Utrecht"), Qt::EditRole);
+      table->setCurrentIndex(table->model()->index(2, 5));
+      save(window, QStringLiteral("frmjson_nested"));
+      table->setCurrentIndex(table->model()->index(5, 6));
+      save(window, QStringLiteral("frmjson_binary"));
+      save(*window.findChild<QMenu*>(QStringLiteral("exportMenu")), QStringLiteral("frmjson_export"));
+      TAddAttributeDialog attribute(world_.prompt, {}, &window);
+      save(attribute, QStringLiteral("addattributedialog"));
     }
-    const TProject& shown = window.project();
-    TDataSourceDialog dialog(world_.context, shown, shown.dataSources[0], nullptr);
-    save(dialog, QStringLiteral("datasourcedialog"));
+
+    /// Lets timers and other threads work for a while.
+    static void wait(int milliseconds) {
+      QElapsedTimer timer;
+      for (timer.start(); timer.elapsed() < milliseconds;)
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
+    }
+
+    TProject sampleProject() {
+      const std::string file = world_.temp.file("orders.json");
+      std::string lines;
+      for (int i = 1; i <= 200; ++i)
+        lines += R"({"order":)" + std::to_string(1000 + i) + R"(,"placed":"2026-03-0)" +
+                 std::to_string(1 + i % 9) + R"( 10:15:00","total":")" + std::to_string(i) +
+                 R"(.50","paid":"true","city":"Leiden",)" + R"("lines":[{"sku":"A-17","quantity":2}]})" +
+                 "\n";
+      writeBytes(file, lines);
+      TProject project = newProject(world_.settings, world_.folder);
+      project.projectName = "Orders";
+      project.source = {"JSON File", file};
+      project.target = {"MongoDB", mongo_};
+      project.dataSources.push_back({"JSON File", file, 0});
+      project.dataTargets.push_back({"orders", "orders", ""});
+      project.mapping.push_back(
+          {"orders",
+           "JSON File",
+           "Data Source (JSON List)",
+           {{"_id", "order", "Number", {}},
+            {"placed", "placed", "DateTime", {}},
+            {"total", "total", "Number", {}},
+            {"paid", "paid", "Boolean", {}},
+            {"lines", "lines", "JSON List", {}},
+            {"delivery", "JSON File", "Data Source (JSON Object)", {{"city", "city", "String", {}}}}}});
+      return project;
+    }
+
+    void project() {
+      TfrmProject window(world_.context, sampleProject());
+      window.resize(1200, 700);
+      auto* pages = window.findChild<QTabWidget*>(QStringLiteral("pages"));
+      const QStringList names{"general", "sources", "targets", "mapping", "run"};
+      for (int page = 0; page < pages->count(); ++page) {
+        window.show();
+        pages->setCurrentIndex(page);
+        wait(names.value(page) == QLatin1String("mapping") ? 1500 : 50);
+        save(window, names.value(page));
+      }
+      const TProject& shown = window.project();
+      TDataSourceDialog dialog(world_.context, shown, shown.dataSources[0], nullptr);
+      save(dialog, QStringLiteral("datasourcedialog"));
+    }
+
+    void mainWindow() {
+      TProject sample = sampleProject();
+      const std::string file = world_.temp.file("orders.hmp");
+      TProjectFile(world_.cipher, world_.files).save(sample, file);
+      TfrmMain window(world_.context);
+      window.resize(1200, 750);
+      window.show();
+      window.openProject(QString::fromStdString(file));
+      window.openConnectionList();
+      window.openProject(QString::fromStdString(file));
+      save(window, QStringLiteral("frmmain"));
+    }
+
+    QDir folder_;
+    TWindowWorld world_;
+    ConnectionConfig mongo_ =
+        parseJson(R"({"dbtype":"MongoDB","host":"db.example.com","port":27017,"database":"shop",)"
+                  R"("user":"loader","password":"secret12","mechanism":"SCRAM-SHA-1","authdb":"admin"})")
+            .asObject();
+    bool failed_ = false;
+  };
+
+  QPalette darkPalette() {
+    QPalette dark(QColor(0x35, 0x35, 0x35));
+    dark.setColor(QPalette::Base, QColor(0x23, 0x23, 0x23));
+    dark.setColor(QPalette::AlternateBase, QColor(0x2c, 0x2c, 0x2c));
+    dark.setColor(QPalette::Highlight, QColor(0x2a, 0x82, 0xda));
+    dark.setColor(QPalette::HighlightedText, Qt::white);
+    return dark;
   }
 
-  void mainWindow() {
-    TProject sample = sampleProject();
-    const std::string file = world_.temp.file("orders.hmp");
-    TProjectFile(world_.cipher, world_.files).save(sample, file);
-    TfrmMain window(world_.context);
-    window.resize(1200, 750);
-    window.show();
-    window.openProject(QString::fromStdString(file));
-    window.openConnectionList();
-    window.openProject(QString::fromStdString(file));
-    save(window, QStringLiteral("frmmain"));
+  int run(int argc, char** argv) {
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() < 2) {
+      std::fputs("usage: pictures FOLDER [dark]\n", stderr);
+      return 2;
+    }
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    if (arguments.value(2) == QLatin1String("dark")) QApplication::setPalette(darkPalette());
+    QDir().mkpath(arguments[1]);
+    TPictures pictures(arguments[1]);
+    pictures.all();
+    return pictures.failed() ? 1 : 0;
   }
-
-  QDir folder_;
-  TWindowWorld world_;
-  ConnectionConfig mongo_ =
-      parseJson(R"({"dbtype":"MongoDB","host":"db.example.com","port":27017,"database":"shop",)"
-                R"("user":"loader","password":"secret12","mechanism":"SCRAM-SHA-1","authdb":"admin"})")
-          .asObject();
-  bool failed_ = false;
-};
-
-QPalette darkPalette() {
-  QPalette dark(QColor(0x35, 0x35, 0x35));
-  dark.setColor(QPalette::Base, QColor(0x23, 0x23, 0x23));
-  dark.setColor(QPalette::AlternateBase, QColor(0x2c, 0x2c, 0x2c));
-  dark.setColor(QPalette::Highlight, QColor(0x2a, 0x82, 0xda));
-  dark.setColor(QPalette::HighlightedText, Qt::white);
-  return dark;
-}
-
-int run(int argc, char** argv) {
-  if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-  QApplication application(argc, argv);
-  const QStringList arguments = QCoreApplication::arguments();
-  if (arguments.size() < 2) {
-    std::fputs("usage: pictures FOLDER [dark]\n", stderr);
-    return 2;
-  }
-  QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-  if (arguments.value(2) == QLatin1String("dark")) QApplication::setPalette(darkPalette());
-  QDir().mkpath(arguments[1]);
-  TPictures pictures(arguments[1]);
-  pictures.all();
-  return pictures.failed() ? 1 : 0;
-}
 
 }  // namespace
 }  // namespace hollowmere
