@@ -13,8 +13,11 @@
 #include <QTreeView>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <iterator>
+#include <memory>
 #include <string>
 
 #include "json/json.h"
@@ -81,11 +84,11 @@ int main(int argc, char** argv) {
   const TDataFolder folder = TDataFolder::open();
   TSettings settings = defaultSettings(folder);
   const auto store = openSettingsStore();
-  const TStoreRegistry stores;
-  const TCipher cipher;
+  TStoreRegistry stores;
+  TCipher cipher;
   TDiskFiles files;
-  const TSystemClock clock;
-  const TDateTimeText dates;
+  TSystemClock clock;
+  TDateTimeText dates;
   TQtMainThread mainThread;
   TWindowContext context{settings, *store, folder, stores,     cipher, files,
                          clock,    dates,  prompt, mainThread, {}};

@@ -12,25 +12,27 @@
 #include <QStyleFactory>
 #include <QTabWidget>
 #include <QTableView>
+#include <QTreeView>
 #include <chrono>
 #include <cstdio>
 #include <thread>
 
+#include "app/ui/frmhelp.h"
 #include "app/ui/frmmain.h"
 #include "connectors/jsonfile/jsonfileconnector.h"
 #include "connectors/storeerror.h"
 #include "json/json.h"
-#include "jsondoc/binaryvalue.h"
 #include "jsondoc/ui/frmviewjson.h"
-#include "jsondoc/ui/jsontreeview.h"
 #include "jsongrid/ui/addattributedialog.h"
 #include "jsongrid/ui/frmjson.h"
+#include "project/runtexts.h"
 #include "project/ui/datasourcedialog.h"
 #include "project/ui/frmproject.h"
 #include "settings/ui/exportdialogs.h"
 #include "settings/ui/frmconnlist.h"
 #include "settings/ui/frmdbconfig.h"
 #include "settings/ui/frmoption.h"
+#include "support/toystore.h"
 #include "support/windowworld.h"
 #include "ui/codeeditor.h"
 #include "ui/propertygrid.h"
@@ -51,6 +53,8 @@ class TPictures {
     documentViewer();
     jsonGrid();
     project();
+    mappingFaults();
+    runningLoad();
     mainWindow();
   }
 
@@ -151,7 +155,7 @@ class TPictures {
         {"empty", TList()}};
     TfrmViewJSON window(world_.context, document, {});
     save(window, QStringLiteral("frmviewjson"));
-    auto* view = window.findChild<TJsonTreeView*>();
+    auto* view = window.findChild<QTreeView*>(QStringLiteral("tlJSON"));
     view->setCurrentIndex(view->model()->index(4, 1));
     save(window, QStringLiteral("frmviewjson_blob"));
     auto* blob = window.findChild<QTabWidget*>(QStringLiteral("pcBlob"));
@@ -167,131 +171,175 @@ class TPictures {
     text->showFind();
     text->findChild<QLineEdit*>(QStringLiteral("mTextFind"))->setText(QStringLiteral("to"));
     save(window, QStringLiteral("frmviewjson_text"));
-    void jsonGrid() {
-      const char* cities[] = {"Leiden", "Delft", "Zürich", "São Paulo"};
-      TList documents;
-      for (int i = 0; i < 1234; ++i) {
-        TObject order{{"_id", 1000 + i}, {"city", cities[i % 4]}, {"total", 12.5 * i}, {"paid", i % 3 == 0}};
-        if (i % 2 == 0) order.add("placed", TValue::dateTime(1767323045000 + i * 86'400'000LL));
-        order.add("lines", parseJson(R"([{"sku":"A-17","quantity":2},{"sku":"B-2","quantity":1}])"));
-        if (i % 5 == 0)
-          order.add("photo",
-                    "&base64;iVBORw0KGgoAAAANSUhEUgAAAAoAAAAKCAIAAAACUFjqAAAAEklEQVR4nGP4z8CAB+"
-                    "GTG8HSALfKY52fTcuYAAAAAElFTkSuQmCC");
-        documents.emplace_back(std::move(order));
-      }
-      TJsonWindowOptions options;
-      options.saveAsNewCollection = [](QWidget*, const TList&) {};
-      TfrmJSON window(world_.context, std::move(documents), options, nullptr);
-      save(window, QStringLiteral("frmjson"));
-      auto* table = window.findChild<QTableView*>(QStringLiteral("gDocuments"));
-      table->model()->setData(table->model()->index(1, 1), QStringLiteral("Utrecht"), Qt::EditRole);
-      table->setCurrentIndex(table->model()->index(2, 5));
-      save(window, QStringLiteral("frmjson_nested"));
-      table->setCurrentIndex(table->model()->index(5, 6));
-      save(window, QStringLiteral("frmjson_binary"));
-      save(*window.findChild<QMenu*>(QStringLiteral("exportMenu")), QStringLiteral("frmjson_export"));
-      TAddAttributeDialog attribute(world_.prompt, {}, &window);
-      save(attribute, QStringLiteral("addattributedialog"));
-    }
+  }
 
-    /// Lets timers and other threads work for a while.
-    static void wait(int milliseconds) {
-      QElapsedTimer timer;
-      for (timer.start(); timer.elapsed() < milliseconds;)
-        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
+  void jsonGrid() {
+    const char* cities[] = {"Leiden", "Delft", "Zürich", "São Paulo"};
+    TList documents;
+    for (int i = 0; i < 1234; ++i) {
+      TObject order{{"_id", 1000 + i}, {"city", cities[i % 4]}, {"total", 12.5 * i}, {"paid", i % 3 == 0}};
+      if (i % 2 == 0) order.add("placed", TValue::dateTime(1767323045000 + i * 86'400'000LL));
+      order.add("lines", parseJson(R"([{"sku":"A-17","quantity":2},{"sku":"B-2","quantity":1}])"));
+      if (i % 5 == 0)
+        order.add("photo",
+                  "&base64;iVBORw0KGgoAAAANSUhEUgAAAAoAAAAKCAIAAAACUFjqAAAAEklEQVR4nGP4z8CAB+"
+                  "GTG8HSALfKY52fTcuYAAAAAElFTkSuQmCC");
+      documents.emplace_back(std::move(order));
     }
+    TJsonWindowOptions options;
+    options.saveAsNewCollection = [](QWidget*, const TList&) {};
+    TfrmJSON window(world_.context, std::move(documents), options, nullptr);
+    save(window, QStringLiteral("frmjson"));
+    auto* table = window.findChild<QTableView*>(QStringLiteral("gDocuments"));
+    table->model()->setData(table->model()->index(1, 1), QStringLiteral("Utrecht"), Qt::EditRole);
+    table->setCurrentIndex(table->model()->index(2, 5));
+    save(window, QStringLiteral("frmjson_nested"));
+    table->setCurrentIndex(table->model()->index(5, 6));
+    save(window, QStringLiteral("frmjson_binary"));
+    save(*window.findChild<QMenu*>(QStringLiteral("exportMenu")), QStringLiteral("frmjson_export"));
+    TAddAttributeDialog attribute(world_.prompt, {}, &window);
+    save(attribute, QStringLiteral("addattributedialog"));
+  }
 
-    TProject sampleProject() {
-      const std::string file = world_.temp.file("orders.json");
-      std::string lines;
-      for (int i = 1; i <= 200; ++i)
-        lines += R"({"order":)" + std::to_string(1000 + i) + R"(,"placed":"2026-03-0)" +
-                 std::to_string(1 + i % 9) + R"( 10:15:00","total":")" + std::to_string(i) +
-                 R"(.50","paid":"true","city":"Leiden",)" + R"("lines":[{"sku":"A-17","quantity":2}]})" +
-                 "\n";
-      writeBytes(file, lines);
-      TProject project = newProject(world_.settings, world_.folder);
-      project.projectName = "Orders";
-      project.source = {"JSON File", file};
-      project.target = {"MongoDB", mongo_};
-      project.dataSources.push_back({"JSON File", file, 0});
-      project.dataTargets.push_back({"orders", "orders", ""});
-      project.mapping.push_back(
-          {"orders",
-           "JSON File",
-           "Data Source (JSON List)",
-           {{"_id", "order", "Number", {}},
-            {"placed", "placed", "DateTime", {}},
-            {"total", "total", "Number", {}},
-            {"paid", "paid", "Boolean", {}},
-            {"lines", "lines", "JSON List", {}},
-            {"delivery", "JSON File", "Data Source (JSON Object)", {{"city", "city", "String", {}}}}}});
-      return project;
-    }
+  /// Lets timers and other threads work for a while.
+  static void wait(int milliseconds) {
+    QElapsedTimer timer;
+    for (timer.start(); timer.elapsed() < milliseconds;)
+      QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
+  }
 
-    void project() {
-      TfrmProject window(world_.context, sampleProject());
-      window.resize(1200, 700);
-      auto* pages = window.findChild<QTabWidget*>(QStringLiteral("pages"));
-      const QStringList names{"general", "sources", "targets", "mapping", "run"};
-      for (int page = 0; page < pages->count(); ++page) {
-        window.show();
-        pages->setCurrentIndex(page);
-        wait(names.value(page) == QLatin1String("mapping") ? 1500 : 50);
-        save(window, names.value(page));
-      }
-      const TProject& shown = window.project();
-      TDataSourceDialog dialog(world_.context, shown, shown.dataSources[0], nullptr);
-      save(dialog, QStringLiteral("datasourcedialog"));
-    }
+  TProject sampleProject() {
+    const std::string file = world_.temp.file("orders.json");
+    std::string lines;
+    for (int i = 1; i <= 200; ++i)
+      lines += R"({"order":)" + std::to_string(1000 + i) + R"(,"placed":"2026-03-0)" +
+               std::to_string(1 + i % 9) + R"( 10:15:00","total":")" + std::to_string(i) +
+               R"(.50","paid":"true","city":"Leiden",)" + R"("lines":[{"sku":"A-17","quantity":2}]})" + "\n";
+    writeBytes(file, lines);
+    TProject project = newProject(world_.settings, world_.folder);
+    project.projectName = "Orders";
+    project.source = {"JSON File", file};
+    project.target = {"MongoDB", mongo_};
+    project.dataSources.push_back({"JSON File", file, 0});
+    project.dataTargets.push_back({"orders", "orders", ""});
+    project.mapping.push_back(
+        {"orders",
+         "JSON File",
+         "Data Source (JSON List)",
+         {{"_id", "order", "Number", {}},
+          {"placed", "placed", "DateTime", {}},
+          {"total", "total", "Number", {}},
+          {"paid", "paid", "Boolean", {}},
+          {"lines", "lines", "JSON List", {}},
+          {"delivery", "JSON File", "Data Source (JSON Object)", {{"city", "city", "String", {}}}}}});
+    return project;
+  }
 
-    void mainWindow() {
-      TProject sample = sampleProject();
-      const std::string file = world_.temp.file("orders.hmp");
-      TProjectFile(world_.cipher, world_.files).save(sample, file);
-      TfrmMain window(world_.context);
-      window.resize(1200, 750);
+  void project() {
+    TfrmProject window(world_.context, sampleProject());
+    window.resize(1200, 700);
+    auto* pages = window.findChild<QTabWidget*>(QStringLiteral("pages"));
+    const QStringList names{"general", "sources", "targets", "mapping", "run"};
+    for (int page = 0; page < pages->count(); ++page) {
       window.show();
-      window.openProject(QString::fromStdString(file));
-      window.openConnectionList();
-      window.openProject(QString::fromStdString(file));
-      save(window, QStringLiteral("frmmain"));
+      pages->setCurrentIndex(page);
+      wait(names.value(page) == QLatin1String("mapping") ? 1500 : 50);
+      save(window, names.value(page));
     }
-
-    QDir folder_;
-    TWindowWorld world_;
-    ConnectionConfig mongo_ =
-        parseJson(R"({"dbtype":"MongoDB","host":"db.example.com","port":27017,"database":"shop",)"
-                  R"("user":"loader","password":"secret12","mechanism":"SCRAM-SHA-1","authdb":"admin"})")
-            .asObject();
-    bool failed_ = false;
-  };
-
-  QPalette darkPalette() {
-    QPalette dark(QColor(0x35, 0x35, 0x35));
-    dark.setColor(QPalette::Base, QColor(0x23, 0x23, 0x23));
-    dark.setColor(QPalette::AlternateBase, QColor(0x2c, 0x2c, 0x2c));
-    dark.setColor(QPalette::Highlight, QColor(0x2a, 0x82, 0xda));
-    dark.setColor(QPalette::HighlightedText, Qt::white);
-    return dark;
+    const TProject& shown = window.project();
+    TDataSourceDialog dialog(world_.context, shown, shown.dataSources[0], nullptr);
+    save(dialog, QStringLiteral("datasourcedialog"));
   }
 
-  int run(int argc, char** argv) {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication application(argc, argv);
-    const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() < 2) {
-      std::fputs("usage: pictures FOLDER [dark]\n", stderr);
-      return 2;
-    }
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    if (arguments.value(2) == QLatin1String("dark")) QApplication::setPalette(darkPalette());
-    QDir().mkpath(arguments[1]);
-    TPictures pictures(arguments[1]);
-    pictures.all();
-    return pictures.failed() ? 1 : 0;
+  void mappingFaults() {
+    TProject faulty = sampleProject();
+    faulty.mapping[0].children[2] = {"paid", "city", "Number", {}};
+    TfrmProject window(world_.context, faulty);
+    window.resize(1200, 700);
+    window.findChild<QTabWidget*>(QStringLiteral("pages"))->setCurrentIndex(3);
+    window.show();
+    wait(1500);
+    save(window, QStringLiteral("mapping_faults"));
   }
+
+  /// A load on three threads, some of its rows lost.
+  void runningLoad() {
+    const auto toy = std::make_shared<TToyServer>();
+    toy->fillNumbered("people", 3000);
+    toy->faults.unreadableRows = {7};
+    toy->faults.refusedDocuments = {20, 21, 22};
+    toy->faults.pauseMilliseconds = 2;
+    world_.stores.add(makeToyConnector(toy));
+    TProject project = newProject(world_.settings, world_.folder);
+    project.projectName = "People";
+    project.degree = 3;
+    project.source = project.target = {"Toy", TObject{{"dbtype", "Toy"}}};
+    project.dataSources.push_back(toySource("people", "people"));
+    project.dataTargets.push_back({"copies", "copies", ""});
+    project.mapping.push_back({"copies",
+                               "people",
+                               "Data Source (JSON List)",
+                               {{"_id", "_id", "Number", {}}, {"n", "name", "String", {}}}});
+    TfrmProject window(world_.context, project);
+    window.resize(1200, 700);
+    window.show();
+    world_.prompt.expect(TPromptKind::Confirmation, runtexts::confirmStart, TAnswer::Yes);
+    window.actStartExecute();
+    wait(1000);
+    save(window, QStringLiteral("run_running"));
+    world_.prompt.expect(TPromptKind::Confirmation, runtexts::confirmStop, TAnswer::Yes);
+    window.actStopExecute();
+    while (window.run()->busy()) wait(50);
+  }
+
+  void mainWindow() {
+    TProject sample = sampleProject();
+    const std::string file = world_.temp.file("orders.hmp");
+    TProjectFile(world_.cipher, world_.files).save(sample, file);
+    TfrmMain window(world_.context);
+    window.resize(1200, 750);
+    window.show();
+    window.openProject(QString::fromStdString(file));
+    window.openConnectionList();
+    window.openProject(QString::fromStdString(file));
+    save(window, QStringLiteral("frmmain"));
+    window.showHelp(QStringLiteral("mapping"));
+    save(*window.findChild<TfrmHelp*>(), QStringLiteral("frmhelp"));
+  }
+
+  QDir folder_;
+  TWindowWorld world_;
+  ConnectionConfig mongo_ =
+      parseJson(R"({"dbtype":"MongoDB","host":"db.example.com","port":27017,"database":"shop",)"
+                R"("user":"loader","password":"secret12","mechanism":"SCRAM-SHA-1","authdb":"admin"})")
+          .asObject();
+  bool failed_ = false;
+};
+
+QPalette darkPalette() {
+  QPalette dark(QColor(0x35, 0x35, 0x35));
+  dark.setColor(QPalette::Base, QColor(0x23, 0x23, 0x23));
+  dark.setColor(QPalette::AlternateBase, QColor(0x2c, 0x2c, 0x2c));
+  dark.setColor(QPalette::Highlight, QColor(0x2a, 0x82, 0xda));
+  dark.setColor(QPalette::HighlightedText, Qt::white);
+  return dark;
+}
+
+int run(int argc, char** argv) {
+  if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  QApplication application(argc, argv);
+  const QStringList arguments = QCoreApplication::arguments();
+  if (arguments.size() < 2) {
+    std::fputs("usage: pictures FOLDER [dark]\n", stderr);
+    return 2;
+  }
+  QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+  if (arguments.value(2) == QLatin1String("dark")) QApplication::setPalette(darkPalette());
+  QDir().mkpath(arguments[1]);
+  TPictures pictures(arguments[1]);
+  pictures.all();
+  return pictures.failed() ? 1 : 0;
+}
 
 }  // namespace
 }  // namespace hollowmere

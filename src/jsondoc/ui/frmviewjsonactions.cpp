@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QLocale>
 #include <QMenu>
+#include <QSettings>
 #include <QTabWidget>
 #include <QTextDocument>
 
