@@ -5,12 +5,10 @@
 #include <charconv>
 #include <cmath>
 
-#include "connectors/markers.h"
-#include "connectors/nosqlcommon.h"
 #include "connectors/textpiece.h"
-#include "json/encoding.h"
 #include "json/json.h"
-#include "json/jsonfault.h"
+#include "jsondoc/binaryvalue.h"
+#include "jsondoc/scalartext.h"
 #include "jsongrid/gridtexts.h"
 
 namespace hollowmere {
@@ -54,8 +52,9 @@ std::string nestedText(const TValue& value, std::size_t limit) {
 }
 
 std::string binaryText(const std::string& bytes, std::size_t limit) {
+  if (bytes.empty()) return {};
   const std::size_t shown = limit == wholeCell ? bytes.size() : std::min(bytes.size(), limit);
-  return cut(std::string(binaryMarker) + toBase64(std::string_view(bytes).substr(0, shown)), limit);
+  return cut(textOfBytes(std::string_view(bytes).substr(0, shown)), limit);
 }
 
 TCellEdit refused(std::string_view text, const char* what) {
@@ -63,45 +62,33 @@ TCellEdit refused(std::string_view text, const char* what) {
   return {{}, "\"" + cut(text, shown) + "\" is not " + what + "."};
 }
 
-bool isWordOfNumbers(std::string_view text) {
-  return text == "NaN" || text == "Infinity" || text == "-Infinity";
-}
-
-TCellEdit editedNumber(const TValue* before, TKind kind, std::string_view text) {
-  text = trimmed(text);
-  const bool word = isWordOfNumbers(text);
-  if (!word && !isJsonNumber(text)) return refused(text, "a number");
-  if (kind == TKind::Decimal) return {TValue::decimal(std::string(text)), {}};
-  if (word) {
-    const double infinity = HUGE_VAL;
-    return {TValue(text == "NaN" ? std::nan("") : text.front() == '-' ? -infinity : infinity), {}};
+/// What a value of that kind is, to say that a text is none.
+const char* called(TKind kind) {
+  switch (kind) {
+    case TKind::Boolean: return "True or False";
+    case TKind::DateTime: return "a date and time";
+    case TKind::Binary: return "binary data: \"&base64;\" and Base64";
+    case TKind::ObjectId: return "an object id: 24 hexadecimal digits";
+    default: return "a number";
   }
-  TValue number = parseJson(text);
-  if (kind == TKind::Double && number.is(TKind::Int)) return {static_cast<double>(number.asInt()), {}};
-  if (number.is(TKind::Int) && before && before->is(TKind::Int) && before->subtype() != 0)
-    return {TValue::wideInt(number.asInt()), {}};
-  return {std::move(number), {}};
 }
 
-TCellEdit editedBoolean(std::string_view text) {
-  text = trimmed(text);
-  if (equalIgnoringCase(text, "true") || text == "1") return {true, {}};
-  if (equalIgnoringCase(text, "false") || text == "0") return {false, {}};
-  return refused(text, "True or False");
+bool isNumber(TKind kind) { return kind == TKind::Int || kind == TKind::Double || kind == TKind::Decimal; }
+
+/// A scalar that is no text. An empty text empties it.
+TCellEdit editedTyped(const TValue& before, std::string_view text, const TDateTimeText& dates) {
+  const TKind kind = before.kind();
+  TValue value = editedScalar(before, text, dates);
+  if (value.is(kind) || (isNumber(kind) && isNumber(value.kind()))) return {std::move(value), {}};
+  if (text.empty()) return {};
+  return refused(text, called(kind));
 }
 
-TCellEdit editedBinary(const TValue* before, std::string_view text) {
-  if (text.empty()) return {TValue::binary({}, before ? before->subtype() : std::uint8_t{0}), {}};
-  const TValue marked{text};
-  auto bytes = cellBytes(&marked);
-  if (!bytes) return refused(text, "binary data: \"&base64;\" and Base64");
-  return {TValue::binary(std::move(*bytes), before ? before->subtype() : std::uint8_t{0}), {}};
-}
-
-TCellEdit editedObjectId(std::string_view text) {
-  TObjectId id;
-  if (!parseHex(trimmed(text), id)) return refused(text, "an object id: 24 hexadecimal digits");
-  return {id, {}};
+/// The first value of a cell in a column of such values.
+TCellEdit firstOfKind(TKind kind, std::string_view text, const TDateTimeText& dates) {
+  TValue value{text};
+  if (convertScalar(value, kind, dates)) return {std::move(value), {}};
+  return refused(text, called(kind));
 }
 
 TCellEdit editedNested(std::string_view text) {
@@ -117,12 +104,9 @@ TCellEdit editedNested(std::string_view text) {
 /// A text of which nothing is known but itself.
 TValue recognised(std::string_view text) {
   const std::string_view plain = trimmed(text);
-  if (equalIgnoringCase(plain, "true")) return true;
-  if (equalIgnoringCase(plain, "false")) return false;
-  if (isJsonNumber(plain)) return parseJson(plain);
   if (!plain.empty() && (plain.front() == '{' || plain.front() == '['))
     if (TCellEdit nested = editedNested(plain); nested.refusal.empty()) return std::move(nested.value);
-  return text;
+  return typedScalar(text);
 }
 
 int rank(const TValue* value) {
@@ -165,14 +149,12 @@ int orderNumbers(const TValue& a, const TValue& b) {
 std::string cellText(const TValue* value, std::size_t limit) {
   if (!value) return {};
   switch (value->kind()) {
-    case TKind::Boolean: return value->asBool() ? "True" : "False";
-    case TKind::Double: return std::isfinite(value->asDouble()) ? toJson(*value) : textForm(*value);
     case TKind::Text:
     case TKind::Decimal: return cut(value->asText(), limit);
     case TKind::Binary: return binaryText(value->asText(), limit);
     case TKind::List:
     case TKind::Object: return nestedText(*value, limit);
-    default: return textForm(*value);
+    default: return scalarText(*value);
   }
 }
 
@@ -194,20 +176,11 @@ TCellEdit editedCell(const TValue* before, TKind columnKind, std::string_view te
   if (!known && text.empty()) return {};
   switch (kind) {
     case TKind::Null: return {recognised(text), {}};
-    case TKind::Boolean: return editedBoolean(text);
-    case TKind::Int:
-    case TKind::Double:
-    case TKind::Decimal: return editedNumber(before, kind, text);
     case TKind::Text: return {text, {}};
-    case TKind::DateTime:
-      if (const auto moment = dates.parse(text)) return {TValue::dateTime(*moment), {}};
-      return refused(text, "a date and time");
-    case TKind::Binary: return editedBinary(before, text);
-    case TKind::ObjectId: return editedObjectId(text);
     case TKind::List:
     case TKind::Object: return editedNested(text);
+    default: return known ? editedTyped(*before, text, dates) : firstOfKind(kind, text, dates);
   }
-  return {text, {}};
 }
 
 int compareCells(const TValue* a, const TValue* b) {
@@ -236,17 +209,14 @@ bool cellContains(const TValue* value, std::string_view sought) {
 }
 
 std::optional<std::string> cellBytes(const TValue* value) {
-  if (!value) return std::nullopt;
-  if (value->is(TKind::Binary)) return value->asText();
-  if (!value->is(TKind::Text) || !hasBinaryMarker(value->asText())) return std::nullopt;
-  return fromBase64(std::string_view(value->asText()).substr(binaryMarker.size()));
+  return value ? bytesOfValue(*value) : std::nullopt;
 }
 
 TValue binaryCell(const TValue* before, TKind columnKind, std::string bytes) {
   const bool known = before && !before->isNull();
   if ((known ? before->kind() : columnKind) == TKind::Binary)
     return TValue::binary(std::move(bytes), known ? before->subtype() : std::uint8_t{0});
-  return std::string(binaryMarker) + toBase64(bytes);
+  return textOfBytes(bytes);
 }
 
 }  // namespace hollowmere

@@ -29,9 +29,9 @@ struct TCellEdit {
 };
 
 /// The value of a cell after its text was edited. A cell keeps its kind: text stays text, also when it looks
-/// like a number; a number stays a number, a date-time one, and so on, and a text that is none is refused.
-/// A null or missing value takes columnKind, what its column usually holds; where that is not known either
-/// (Null), numbers, "true", "false", and JSON lists and objects are recognised.
+/// like a number; a number stays a number, a date-time one, and so on; an empty text makes them null, and a
+/// text that is none is refused. A null or missing value takes columnKind, what its column usually holds;
+/// where that is not known either (Null), typedScalar() reads it, and JSON lists and objects are recognised.
 TCellEdit editedCell(const TValue* before, TKind columnKind, std::string_view text,
                      const TDateTimeText& dates);
 

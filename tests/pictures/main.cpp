@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStyleFactory>
@@ -22,6 +23,8 @@
 #include "connectors/storeerror.h"
 #include "json/json.h"
 #include "jsondoc/ui/frmviewjson.h"
+#include "jsongrid/ui/addattributedialog.h"
+#include "jsongrid/ui/frmjson.h"
 #include "project/runtexts.h"
 #include "project/ui/datasourcedialog.h"
 #include "project/ui/frmproject.h"
@@ -48,6 +51,7 @@ class TPictures {
     connectionList();
     exportDialogs();
     documentViewer();
+    jsonGrid();
     project();
     mappingFaults();
     runningLoad();
@@ -167,6 +171,34 @@ class TPictures {
     text->showFind();
     text->findChild<QLineEdit*>(QStringLiteral("mTextFind"))->setText(QStringLiteral("to"));
     save(window, QStringLiteral("frmviewjson_text"));
+  }
+
+  void jsonGrid() {
+    const char* cities[] = {"Leiden", "Delft", "Zürich", "São Paulo"};
+    TList documents;
+    for (int i = 0; i < 1234; ++i) {
+      TObject order{{"_id", 1000 + i}, {"city", cities[i % 4]}, {"total", 12.5 * i}, {"paid", i % 3 == 0}};
+      if (i % 2 == 0) order.add("placed", TValue::dateTime(1767323045000 + i * 86'400'000LL));
+      order.add("lines", parseJson(R"([{"sku":"A-17","quantity":2},{"sku":"B-2","quantity":1}])"));
+      if (i % 5 == 0)
+        order.add("photo",
+                  "&base64;iVBORw0KGgoAAAANSUhEUgAAAAoAAAAKCAIAAAACUFjqAAAAEklEQVR4nGP4z8CAB+"
+                  "GTG8HSALfKY52fTcuYAAAAAElFTkSuQmCC");
+      documents.emplace_back(std::move(order));
+    }
+    TJsonWindowOptions options;
+    options.saveAsNewCollection = [](QWidget*, const TList&) {};
+    TfrmJSON window(world_.context, std::move(documents), options, nullptr);
+    save(window, QStringLiteral("frmjson"));
+    auto* table = window.findChild<QTableView*>(QStringLiteral("gDocuments"));
+    table->model()->setData(table->model()->index(1, 1), QStringLiteral("Utrecht"), Qt::EditRole);
+    table->setCurrentIndex(table->model()->index(2, 5));
+    save(window, QStringLiteral("frmjson_nested"));
+    table->setCurrentIndex(table->model()->index(5, 6));
+    save(window, QStringLiteral("frmjson_binary"));
+    save(*window.findChild<QMenu*>(QStringLiteral("exportMenu")), QStringLiteral("frmjson_export"));
+    TAddAttributeDialog attribute(world_.prompt, {}, &window);
+    save(attribute, QStringLiteral("addattributedialog"));
   }
 
   /// Lets timers and other threads work for a while.

@@ -5,6 +5,7 @@
 #include <QPageLayout>
 #include <QPainter>
 #include <QPdfWriter>
+#include <QTextOption>
 #include <algorithm>
 #include <exception>
 
@@ -20,7 +21,13 @@ constexpr std::size_t shownBytes = 400;
 constexpr int widestCell = 32;  // characters of average width
 constexpr int mostLines = 6;
 constexpr std::size_t rowsBetweenTellings = 64;
-constexpr int wrapped = Qt::TextWordWrap | Qt::TextWrapAnywhere;
+
+/// Lines break between words, and inside of those that are longer than a line.
+QTextOption wrapped(Qt::Alignment alignment) {
+  QTextOption option(alignment);
+  option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  return option;
+}
 
 QString shown(const TValue* value) {
   return QString::fromStdString(cellText(value, shownBytes)).replace(QLatin1Char('\t'), QLatin1Char(' '));
@@ -155,8 +162,8 @@ double TGridPainter::rowHeight(QPainter& painter, TColumns columns, const std::v
     const double width = widths_[column] - 2 * padding_;
     // Most cells are one line: quicker to find out than where a text wraps.
     if (!text.contains(QLatin1Char('\n')) && metrics.horizontalAdvance(text) <= width) continue;
-    height = std::max(height,
-                      metrics.boundingRect(QRectF(0, 0, width, mostLines * line_), wrapped, text).height());
+    const QRectF room(0, 0, width, mostLines * line_);
+    height = std::max(height, painter.boundingRect(room, text, wrapped(Qt::AlignLeft)).height());
   }
   return std::min(height, mostLines * line_) + 2 * padding_;
 }
@@ -175,8 +182,8 @@ void TGridPainter::drawRow(QPainter& painter, TColumns columns, const std::vecto
       painter.save();
       painter.setClipRect(inner);
     }
-    painter.drawText(inner, wrapped | (isNumber(table_.cell(row, column)) ? Qt::AlignRight : Qt::AlignLeft),
-                     text);
+    painter.drawText(inner, text,
+                     wrapped(isNumber(table_.cell(row, column)) ? Qt::AlignRight : Qt::AlignLeft));
     if (tall) painter.restore();
     x += widths_[column];
   }

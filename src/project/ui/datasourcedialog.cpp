@@ -3,6 +3,7 @@
 #include <QDialogButtonBox>
 #include <QFontDatabase>
 #include <QFormLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -11,6 +12,7 @@
 #include <algorithm>
 
 #include "json/json.h"
+#include "jsongrid/ui/jsonwindow.h"
 #include "project/querymembers.h"
 #include "project/runcheck.h"
 #include "project/runtexts.h"
@@ -46,7 +48,15 @@ TDataSourceDialog::TDataSourceDialog(TWindowContext& context, const TProject& pr
   auto* test = new QPushButton(tr("&Test"), this);
   test->setObjectName(QStringLiteral("bTest"));
   test->setAutoDefault(false);
-  layout->addWidget(test, 0, Qt::AlignLeft);
+  grid_ = new QPushButton(tr("View As &Grid"), this);
+  grid_->setObjectName(QStringLiteral("bViewGrid"));
+  grid_->setAutoDefault(false);
+  grid_->setEnabled(false);
+  auto* tests = new QHBoxLayout;
+  tests->addWidget(test);
+  tests->addWidget(grid_);
+  tests->addStretch();
+  layout->addLayout(tests);
   rows_ = new QPlainTextEdit(this);
   rows_->setObjectName(QStringLiteral("mRows"));
   rows_->setAccessibleName(tr("First rows"));
@@ -61,6 +71,7 @@ TDataSourceDialog::TDataSourceDialog(TWindowContext& context, const TProject& pr
   connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   connect(test, &QPushButton::clicked, this, &TDataSourceDialog::bTestClick);
+  connect(grid_, &QPushButton::clicked, this, &TDataSourceDialog::bViewGridClick);
   for (const auto& [key, edit] : texts_)
     connect(edit, &QPlainTextEdit::textChanged, this, &TDataSourceDialog::showFault);
   for (const auto& [key, edit] : lines_)
@@ -133,6 +144,7 @@ void TDataSourceDialog::bTestClick() {
   const TDataSource source{name_, definition(), 0};
   TStopFlag stop;
   std::string shown;
+  tested_.clear();
   try {
     runWithWaitDialog(
         tr("Reading the first rows..."),
@@ -146,6 +158,7 @@ void TDataSourceDialog::bTestClick() {
             const auto read = reader->next();
             if (!read) break;
             shown += toPrettyJson(*read) + "\n";
+            tested_.emplace_back(*read);
           }
         },
         stop);
@@ -153,6 +166,14 @@ void TDataSourceDialog::bTestClick() {
     context_.prompt.error(error.what());
   }
   rows_->setPlainText(QString::fromStdString(shown));
+  grid_->setEnabled(!tested_.empty());
+}
+
+void TDataSourceDialog::bViewGridClick() {
+  TJsonWindowOptions options;
+  options.title = windowTitle();
+  options.readOnly = true;
+  editJsonDocuments(context_, this, tested_, options);
 }
 
 }  // namespace hollowmere

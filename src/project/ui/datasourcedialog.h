@@ -10,6 +10,7 @@
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
+class QPushButton;
 
 namespace hollowmere {
 
@@ -28,6 +29,7 @@ class TDataSourceDialog : public QDialog {
  private:
   void makeFields(const TDataSource& source);
   void bTestClick();
+  void bViewGridClick();
   void showFault();
   [[nodiscard]] std::string queryFault() const;
   void accept() override;
@@ -40,6 +42,8 @@ class TDataSourceDialog : public QDialog {
   QLineEdit* fileName_ = nullptr;
   QLabel* fault_ = nullptr;
   QPlainTextEdit* rows_ = nullptr;
+  QPushButton* grid_ = nullptr;
+  TList tested_;  ///< the rows that the last test gave
 };
 
 }  // namespace hollowmere
