@@ -10,7 +10,7 @@ namespace hollowmere {
 
 namespace {
 
-constexpr char script[] = HOLLOWMERE_TESTS_DIR "/servers/mongodb";
+constexpr char scripts[] = HOLLOWMERE_TESTS_DIR "/servers/";
 
 /// What a command prints; throws when it fails.
 std::string outputOf(const std::string& command) {
@@ -24,9 +24,9 @@ std::string outputOf(const std::string& command) {
 
 }  // namespace
 
-TLocalServer::TLocalServer(const std::string& options) {
+TLocalServer::TLocalServer(const std::string& options, const std::string& name) : script_(scripts + name) {
   const std::string line =
-      outputOf(std::string(script) + " start --port 0 --parent " + std::to_string(getpid()) + " " + options);
+      outputOf(script_ + " start --port 0 --parent " + std::to_string(getpid()) + " " + options);
   const std::string address = "127.0.0.1:";
   const std::size_t at = line.find(address);
   if (at == std::string::npos) throw std::runtime_error("no address: " + line);
@@ -35,8 +35,7 @@ TLocalServer::TLocalServer(const std::string& options) {
 
 TLocalServer::~TLocalServer() {
   // Should it fail, the server still ends with this program.
-  if (std::system((std::string(script) + " stop " + std::to_string(port_) + " >/dev/null 2>&1").c_str()) != 0)
-    return;
+  if (std::system((script_ + " stop " + std::to_string(port_) + " >/dev/null 2>&1").c_str()) != 0) return;
 }
 
 }  // namespace hollowmere
