@@ -12,6 +12,7 @@ import subprocess
 import threading
 import time
 
+import cassandra_bench
 import rows
 from harness import (BIN, TOOLS, Sink, Table, file, interrupt, load, mongo, node, path, project, run)
 
@@ -273,6 +274,7 @@ def start():
     table.add("hollowmere-cli run of one row, start to end", walls, ("at most", 0.2), " s")
 
 
+cassandra_bench.register(measurement, table, size, ROUNDS)
 started = time.monotonic()
 for each in measurements:
     if re.search(options.name, each.__name__):

@@ -60,10 +60,11 @@ def run(*command):
 
 
 class Sink:
-    """A server of our own (hm-mongo-sink) for the time of a with statement; counts holds what it saw."""
+    """A server of our own for the time of a with statement; counts holds what it saw."""
 
-    def __init__(self, *options):
-        self.command = [os.path.join(BIN, "hm-mongo-sink"), "--until-stdin-closes", *map(str, options)]
+    def __init__(self, *options, program="hm-mongo-sink"):
+        ends = ["--until-stdin-closes"] if program == "hm-mongo-sink" else []
+        self.command = [os.path.join(BIN, program), *ends, *map(str, options)]
         self.counts = None
 
     def __enter__(self):
@@ -87,19 +88,22 @@ def file(name):
     return "JSON File", name
 
 
-def project(source, target, children=(), bulk=1000, degree=1, fetch=1000, count=True, name="load"):
+def project(source, target_side, children=(), bulk=1000, degree=1, fetch=1000, count=True, name="load",
+            source_query=None, target="copies"):
     """Seals a project that loads one source into one target; gives its file."""
     document = json.loads(run(CLI, "new").out)
     document.update({
-        "vgGeneralBulkInsert": bulk, "vgGeneralTargetDegree": degree, "vgGeneralFetchLimit": fetch,
+        "vgGeneralBulkInsert": bulk, "vgGeneralTargetDegree": degree, "vgGeneralSourceFetchLimit": fetch,
         "vgGeneralIgnoreNulls": False, "vgGeneralSkipCount": not count,
         "vgGeneralLogFile": path(name + ".log"), "vgGeneralDiscFile": path(name + ".disc")})
-    for key, side in (("vgGeneralCategorySourceDB", source), ("vgGeneralCategoryTargetDB", target)):
+    for key, side in (("vgGeneralCategorySourceDB", source), ("vgGeneralCategoryTargetDB", target_side)):
         kind = "Source" if "Source" in key else "Target"
         document[key] = {"vgGeneral%sDBType" % kind: side[0], "vgGeneral%sConn" % kind: side[1]}
-    query = source[1] if source[0] == "JSON File" else {"database": "bench", "collection": "rows", "query": ""}
+    query = source_query or {"database": "bench", "collection": "rows", "query": ""}
+    if source[0] == "JSON File":
+        query = source[1]
     document["datasourcelist"] = [{"name": "rows", "datasource": query, "count": 0}]
-    document["datatargetlist"] = [{"name": "copies", "datatarget": "copies", "saslpwd": ""}]
+    document["datatargetlist"] = [{"name": "copies", "datatarget": target, "saslpwd": ""}]
     document["datamaplist"] = [node("copies", "rows", "String", children)]
     for old in (".log", ".disc"):
         if os.path.exists(path(name + old)):
