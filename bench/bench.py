@@ -13,6 +13,7 @@ import subprocess
 import threading
 import time
 
+import cassandra_bench
 import rows
 from harness import (BIN, TOOLS, HBaseSink, Sink, Table, file, hbase, interrupt, load, mongo, node, path, project, run,
                      start_server, stop_server)
@@ -420,6 +421,7 @@ def idle():
     table.add("CPU ticks of the idle program in 5 s", [ticks_then - ticks], ("at most", 0))
     table.add("wake-ups of the idle program in 5 s", [wakes_then - wakes], ("at most", 5))
 
+
 HBASE = [node("rowkey", "number", "String")] + [node("cf:" + name, name, "String") for name, _ in rows.FIELDS]
 
 HBASE_COPY = [node(one["target"], one["target"], "String") for one in HBASE]
@@ -505,6 +507,8 @@ def hbase_server():
               "%s against %s" % tuple(a_second(statistics.median(s[i] for s in speeds), 1) for i in (0, 1)))
     subprocess.run([server, "stop", port], stdout=subprocess.DEVNULL)
 
+
+cassandra_bench.register(measurement, table, size, ROUNDS)
 
 started = time.monotonic()
 for each in measurements:

@@ -10,6 +10,8 @@ namespace hollowmere {
 
 namespace {
 
+constexpr char scripts[] = HOLLOWMERE_TESTS_DIR "/servers/";
+
 /// What a command prints; throws when it fails.
 std::string outputOf(const std::string& command) {
   FILE* pipe = popen(command.c_str(), "r");
@@ -22,8 +24,7 @@ std::string outputOf(const std::string& command) {
 
 }  // namespace
 
-TLocalServer::TLocalServer(const std::string& options, const std::string& name)
-    : script_(HOLLOWMERE_TESTS_DIR "/servers/" + name) {
+TLocalServer::TLocalServer(const std::string& options, const std::string& name) : script_(scripts + name) {
   const std::string line =
       outputOf(script_ + " start --port 0 --parent " + std::to_string(getpid()) + " " + options);
   const std::string address = "127.0.0.1:";
