@@ -484,8 +484,8 @@ def hbase_memory():
 def hbase_server():
     """A real HBase, and a loop over happybase's batches beside us."""
     server = os.path.join(os.path.dirname(BENCH), "tests", "servers", "hbase")
-    started = run(server, "start", "--port", "0", "--parent", str(os.getpid())).out.decode()
-    python = run(server, "client").out.decode().strip()
+    started = run(server, "start", "--port", "0", "--parent", str(os.getpid())).out
+    python = run(server, "client").out.strip()
     port = re.search(r"127\.0\.0\.1:(\d+)", started)[1]
     count, bulk = size(100_000, 20_000), 500
     loop = [python, os.path.join(BENCH, "happybase_loop.py"), port]

@@ -1335,6 +1335,26 @@
         <source>You must specify MongoDB shell executable file mongo.exe  Exiting...</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>A preview of %1 rows takes much time and memory. Are you sure to show it?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Are you sure to delete all JSON document data?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Are you sure to discard all changes?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Please specify binary data type.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Would you like to save this database connection for future use?</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>hollowmere::TAddAttributeDialog</name>
@@ -1428,6 +1448,10 @@
     </message>
     <message>
         <source>Save Binary Value</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is not a file type such as png or pdf.</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -2634,6 +2658,10 @@
     </message>
     <message>
         <source>Save JSON Document</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The document has more than %1 rows and is too large to be printed.</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

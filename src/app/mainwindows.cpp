@@ -11,9 +11,9 @@
 #include <exception>
 #include <functional>
 
-#include "app/applicationfault.h"
 #include "app/program.h"
 #include "app/ui/frmmain.h"
+#include "startup/applicationfault.h"
 #include "ui/messageprompt.h"
 #include "ui/qtmainthread.h"
 

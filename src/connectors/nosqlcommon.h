@@ -81,11 +81,12 @@ std::string CassandraBytesToText(std::string_view bytes, std::string_view cqlTyp
                                  TCollectionLengths lengths = TCollectionLengths::Int32);
 
 /// The output of MongoDB's shells, the legacy one or today's, as JSON text: NumberLong(...), NumberInt(...),
-/// NumberDecimal(...), Long(...) and the like as bare numbers, ISODate(...) and Timestamp(...) as quoted local
-/// date-time text, ObjectId(...) as its quoted digits, BinData(...), Binary.createFromBase64(...) and UUID(...)
-/// as "&base64;" text, NaN and the infinities as quoted words. Within documents and lists names without
-/// quotes and texts in single quotes get double ones, regular expressions become text, undefined null. What
-/// stands in double quotes, a wrapper that does not end and a date that cannot be read stay as they are.
+/// NumberDecimal(...), Long(...) and the like as bare numbers, ISODate(...) and Timestamp(...) as quoted
+/// local date-time text, ObjectId(...) as its quoted digits, BinData(...), Binary.createFromBase64(...) and
+/// UUID(...) as "&base64;" text, NaN and the infinities as quoted words. Within documents and lists names
+/// without quotes and texts in single quotes get double ones, regular expressions become text, undefined
+/// null. What stands in double quotes, a wrapper that does not end and a date that cannot be read stay as
+/// they are.
 std::string MongoShellToJson(std::string_view text, const TDateTimeText& dates);
 
 /// A filter text for HBase: line ends become blanks, and the language's words, with a blank on each side,

@@ -23,9 +23,10 @@ enum class TTargetType {
 
 /// In the order in which they are offered.
 inline constexpr std::array allTargetTypes = {
-    TTargetType::String,     TTargetType::Number,      TTargetType::Boolean,        TTargetType::DateTime,
-    TTargetType::Binary,     TTargetType::DataSourceObject, TTargetType::DataSourceList, TTargetType::JsonObject,
-    TTargetType::JsonList,   TTargetType::JsonFromXml, TTargetType::LinkedData};
+    TTargetType::String,         TTargetType::Number,     TTargetType::Boolean,
+    TTargetType::DateTime,       TTargetType::Binary,     TTargetType::DataSourceObject,
+    TTargetType::DataSourceList, TTargetType::JsonObject, TTargetType::JsonList,
+    TTargetType::JsonFromXml,    TTargetType::LinkedData};
 
 /// The exact text, "Data Source (JSON List)" for example, and back; nothing for another text.
 std::string_view targetTypeText(TTargetType type);

@@ -48,6 +48,12 @@ void type(const QString& text) {
   QCoreApplication::processEvents();
 }
 
+/// By its letter. A button pressed so stays down for a moment before it acts.
+void pressButton(Qt::Key letter) {
+  press(letter, Qt::AltModifier);
+  QTest::qWait(150);
+}
+
 /// Presses a key until something is so; a key that never leads there fails the test.
 template <typename Reached>
 void pressUntil(Qt::Key key, Reached reached, const char* what,
@@ -144,7 +150,7 @@ class Keyboard : public ::testing::Test, protected TWindowWorld {
     goToRow(QStringLiteral("Database Type"), side);
     press(Qt::Key_F2);
     press(Qt::Key_M);
-    QCoreApplication::processEvents();
+    press(Qt::Key_Return);
     tabTo("vgGeneral");
     goToRow(QStringLiteral("Connection Properties"), side);
     whenDialog(QStringLiteral("frmDBConfig"), [side](QDialog&) {
@@ -189,7 +195,7 @@ TEST_F(Keyboard, BuildsRunsAndSavesAProject) {
   EXPECT_EQ(project->project().target.connection.asObject().find("host")->asText(), "to.example.com");
 
   nextPage();
-  press(Qt::Key_A, Qt::AltModifier);
+  pressButton(Qt::Key_A);
   press(Qt::Key_F2);
   type(QStringLiteral("People"));
   press(Qt::Key_Return);
@@ -199,12 +205,12 @@ TEST_F(Keyboard, BuildsRunsAndSavesAProject) {
     tabTo("bOk");
     press(Qt::Key_Space);
   });
-  press(Qt::Key_G, Qt::AltModifier);
+  pressButton(Qt::Key_G);
   ASSERT_EQ(project->project().dataSources.size(), 1U);
   EXPECT_EQ(project->project().dataSources[0].name, "People");
 
   nextPage();
-  press(Qt::Key_A, Qt::AltModifier);
+  pressButton(Qt::Key_A);
   press(Qt::Key_F2);
   type(QStringLiteral("copies"));
   press(Qt::Key_Return);
@@ -215,10 +221,10 @@ TEST_F(Keyboard, BuildsRunsAndSavesAProject) {
   EXPECT_EQ(project->project().dataTargets.at(0), (TDataTarget{"copies", "copy", ""}));
 
   nextPage();
-  press(Qt::Key_T, Qt::AltModifier);
+  pressButton(Qt::Key_T);
   ASSERT_EQ(project->project().mapping.size(), 1U);
   ASSERT_TRUE(QTest::qWaitFor([&] { return child<QAbstractButton>(*project, "bNextRow").isEnabled(); }));
-  press(Qt::Key_I, Qt::AltModifier);
+  pressButton(Qt::Key_I);
   ASSERT_EQ(project->project().mapping[0].children.size(), 2U);
   pressUntil(
       Qt::Key_Down,
@@ -242,6 +248,7 @@ TEST_F(Keyboard, BuildsRunsAndSavesAProject) {
   whenDialog(QStringLiteral("QFileDialog"), [&](QDialog&) {
     press(Qt::Key_A, Qt::ControlModifier);
     type(QString::fromStdString(file));
+    if (QApplication::activePopupWidget()) press(Qt::Key_Escape);  // what is offered for completion
     press(Qt::Key_Return);
   });
   press(Qt::Key_S, Qt::ControlModifier);

@@ -268,6 +268,29 @@ TEST_F(Programs, ASecondSignalEndsAtOnce) {
   EXPECT_LT(steady_clock::now() - start, milliseconds(500));
 }
 
+TEST_F(Programs, MongoActionsWorkFromTheCommandLine) {
+  const std::string address = "127.0.0.1:" + std::to_string(server.port()) + "/shop";
+  EXPECT_EQ(cli({"mongo", address, "databases"}).out, "\"shop\"\n");
+  EXPECT_EQ(cli({"mongo", address, "find", "rows", "{\"_id\":2}"}).out, "{\"_id\":2,\"name\":\"Bob\"}\n");
+  const TEnd refused = cli({"mongo", address, "command", "{\"group\":1}"});
+  EXPECT_EQ(refused.code, 1);
+  EXPECT_NE(refused.err.find("use aggregate with the stage $group instead."), std::string::npos);
+  server.fillJson("shop", "fs.files", {R"({"_id":1,"filename":"first","length":0,"chunkSize":261120})"});
+  writeBytes(folder.file("a.txt"), "abc");
+  EXPECT_EQ(cli({"mongo", address, "gridfs", "put", folder.file("a.txt"), "b"}).code, 0);
+  EXPECT_EQ(cli({"mongo", address, "gridfs", "get", "b", folder.file("back")}).code, 0);
+  EXPECT_EQ(readBytes(folder.file("back")), "abc");
+  // A record in a file, so that no password stands in an argument.
+  writeBytes(folder.file("record"), toJson(project.source.connection));
+  EXPECT_EQ(cli({"mongo", folder.file("record"), "copy", "rows", address, "rows2"}).code, 0);
+  EXPECT_EQ(server.documents("shop", "rows2").size(), 2U);
+  for (const auto& wrong : std::vector<std::vector<std::string>>{{"mongo", address},
+                                                                 {"mongo", address, "nosuch"},
+                                                                 {"mongo", address, "find"},
+                                                                 {"mongo", address, "run", "x"}})
+    EXPECT_EQ(cli(wrong).code, 2) << wrong.back();
+}
+
 }  // namespace
 
 }  // namespace hollowmere

@@ -34,8 +34,7 @@ TLocalServer::TLocalServer(const std::string& options, const std::string& name)
 
 TLocalServer::~TLocalServer() {
   // Should it fail, the server still ends with this program.
-  if (std::system((script_ + " stop " + std::to_string(port_) + " >/dev/null 2>&1").c_str()) != 0)
-    return;
+  if (std::system((script_ + " stop " + std::to_string(port_) + " >/dev/null 2>&1").c_str()) != 0) return;
 }
 
 }  // namespace hollowmere

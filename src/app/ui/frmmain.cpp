@@ -239,6 +239,8 @@ void TfrmMain::showChild(TMdiChild* child) {
   const bool first = area_->subWindowList().isEmpty();
   QMdiSubWindow* window = area_->addSubWindow(child);
   window->setWindowIcon(child->windowIcon());
+  // Its keys are those of the menu "Window": given twice, they would do nothing.
+  for (QAction* action : window->systemMenu()->actions()) action->setShortcuts({});
   // One window alone has no use for a smaller frame.
   const bool maximised = first || (area_->activeSubWindow() && area_->activeSubWindow()->isMaximized());
   connect(child, &QWidget::windowTitleChanged, this, &TfrmMain::updateTabs);

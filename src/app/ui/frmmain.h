@@ -3,9 +3,9 @@
 #include <QMainWindow>
 #include <QPointer>
 
-#include "app/startnotices.h"
-#include "app/webaddresses.h"
 #include "settings/connectionrecord.h"
+#include "startup/startnotices.h"
+#include "startup/webaddresses.h"
 #include "ui/mdichild.h"
 #include "ui/windowcontext.h"
 

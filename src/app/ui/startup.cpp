@@ -1,8 +1,8 @@
 #include "app/ui/startup.h"
 
-#include "app/startnotices.h"
-#include "app/updatecheck.h"
 #include "http/download.h"
+#include "startup/startnotices.h"
+#include "startup/updatecheck.h"
 
 namespace hollowmere {
 

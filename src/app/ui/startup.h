@@ -5,7 +5,7 @@
 #include <memory>
 #include <thread>
 
-#include "app/webaddresses.h"
+#include "startup/webaddresses.h"
 #include "ui/windowcontext.h"
 
 namespace hollowmere {

@@ -241,7 +241,9 @@ void TBlobPanel::openOutside() {
   const std::string extension = chosenExtension();
   if (extension.empty()) return context_.prompt.error("Please specify binary data type.");
   if (!isFileExtension(extension))
-    return context_.prompt.error("\"" + extension + "\" is not a file type such as png or pdf.");
+    return context_.prompt.error(tr("\"%1\" is not a file type such as png or pdf.")
+                                     .arg(QString::fromStdString(extension))
+                                     .toStdString());
   const std::string name = context_.folder.file("data", "data." + extension);
   try {
     writeWholeFile(context_.files, name, bytes_);

@@ -392,8 +392,9 @@ void TfrmViewJSON::onPrint() {
   if (onTextPage() && !takeText()) return;
   const auto html = treeHtml(tree_, printedRows);
   if (!html)
-    return context_.prompt.error("The document has more than " + std::to_string(printedRows) +
-                                 " rows and is too large to be printed.");
+    return context_.prompt.error(tr("The document has more than %1 rows and is too large to be printed.")
+                                     .arg(printedRows)
+                                     .toStdString());
   QTextDocument document;
   document.setHtml(QString::fromStdString(*html));
   if (printDocument(context_, this, document, windowTitle()))

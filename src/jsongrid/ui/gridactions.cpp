@@ -207,9 +207,10 @@ void TGridActions::printAll() {
 void TGridActions::previewAll() {
   const auto table = source_.all();
   if (table->rows() > previewedRows &&
-      !context_.prompt.confirm(tr("A preview of %1 rows takes much time and memory. Are you sure to show it?")
-                                   .arg(static_cast<qulonglong>(table->rows()))
-                                   .toStdString()))
+      !context_.prompt.confirm(
+          text("A preview of %1 rows takes much time and memory. Are you sure to show it?")
+              .arg(table->rows())
+              .toStdString()))
     return;
   previewPages(
       context_, &window_,

@@ -68,6 +68,7 @@ void TListPage::finishAdding(const std::string& refusal) {
 void TListPage::beginFill(std::size_t rows) {
   filling_ = true;
   rowBefore_ = grid_->currentRow();
+  columnBefore_ = std::max(0, grid_->currentColumn());
   grid_->setRowCount(static_cast<int>(rows));
 }
 
@@ -79,7 +80,8 @@ void TListPage::setCell(int row, int column, const QString& text, bool editable)
 
 void TListPage::endFill() {
   grid_->resizeColumnToContents(0);
-  if (grid_->rowCount() > 0) grid_->setCurrentCell(std::clamp(rowBefore_, 0, grid_->rowCount() - 1), 0);
+  if (grid_->rowCount() > 0)
+    grid_->setCurrentCell(std::clamp(rowBefore_, 0, grid_->rowCount() - 1), columnBefore_);
   filling_ = false;
 }
 

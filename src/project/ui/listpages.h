@@ -48,6 +48,7 @@ class TListPage : public QWidget {
  private:
   QHBoxLayout* buttons_;
   int rowBefore_ = 0;
+  int columnBefore_ = 0;
   bool filling_ = false;
 };
 

@@ -18,7 +18,7 @@ namespace hollowmere {
 struct TPreviewResult {
   std::vector<TPreviewRow> rows;
   std::map<TNodePath, std::vector<TSampledField>> fields;  ///< by path below the root
-  std::string error;                                     ///< why there is nothing more
+  std::string error;                                       ///< why there is nothing more
 };
 
 /// Reads and assembles the first rows of a root mapping on a thread of its own. A new request, and the

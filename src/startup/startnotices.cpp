@@ -1,4 +1,4 @@
-#include "app/startnotices.h"
+#include "startup/startnotices.h"
 
 #include <QString>
 #include <QSysInfo>

@@ -1,4 +1,4 @@
-#include "app/applicationfault.h"
+#include "startup/applicationfault.h"
 
 #ifdef __unix__
 #include <fcntl.h>

@@ -5,10 +5,10 @@
 #include <map>
 #include <optional>
 
-#include "app/applicationfault.h"
-#include "app/startnotices.h"
-#include "app/updatecheck.h"
-#include "app/webaddresses.h"
+#include "startup/applicationfault.h"
+#include "startup/startnotices.h"
+#include "startup/updatecheck.h"
+#include "startup/webaddresses.h"
 #include "support/scriptedprompt.h"
 #include "support/tempfolder.h"
 

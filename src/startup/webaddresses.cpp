@@ -1,4 +1,4 @@
-#include "app/webaddresses.h"
+#include "startup/webaddresses.h"
 
 #include <QSettings>
 

@@ -1,4 +1,4 @@
-#include "app/updatecheck.h"
+#include "startup/updatecheck.h"
 
 #include <algorithm>
 #include <cctype>
