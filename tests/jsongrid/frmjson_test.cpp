@@ -10,6 +10,7 @@
 #include <QProgressDialog>
 #include <QTableView>
 #include <QTest>
+#include <QTreeView>
 
 #include "json/json.h"
 #include "jsondoc/ui/blobpanel.h"
@@ -165,12 +166,12 @@ TEST_F(JsonWindow, PagesAreTurnedSearchedAndSorted) {
   EXPECT_EQ(pageText(window), "Rows 11 to 20 of 25");
 
   child<QLineEdit>(window, "eFind").setText("ROW 7");
-  click(window, "bFindNext");
+  click(window, "bGridFindNext");
   EXPECT_EQ(pageText(window), "Rows 1 to 10 of 25") << "on from the start";
   EXPECT_EQ(table(window).currentIndex().data().toString(), "row 7");
   child<QLineEdit>(window, "eFind").setText("nowhere");
   prompt.expect(TPromptKind::Information, "The text was not found.");
-  click(window, "bFindPrevious");
+  click(window, "bGridFindPrevious");
 
   auto* header = table(window).horizontalHeader();
   Q_EMIT header->sectionClicked(0);
@@ -279,6 +280,25 @@ TEST_F(JsonWindow, AFileIsOpenedAndWrittenInItsForm) {
   prompt.expect(TPromptKind::Confirmation, "Are you sure to discard all changes?", TAnswer::No);
   click(window, "bCancel");
   EXPECT_TRUE(window.isVisible());
+}
+
+TEST_F(JsonWindow, ARowIsEditedInTheDocumentWindow) {
+  TfrmJSON window(context, documents(people), {}, nullptr);
+  window.show();
+  go(window, 2, 5);
+  EXPECT_FALSE(child<QAction>(window, "actViewRow").isEnabled()) << "a single value is no document";
+  go(window, 0, 0);
+  std::string title;
+  whenDialog("frmViewJSON", [&title](QDialog& dialog) {
+    title = dialog.windowTitle().toStdString();
+    auto& view = child<QTreeView>(dialog, "tlJSON");
+    view.model()->setData(view.model()->index(1, 1), "42", Qt::EditRole);
+    click(dialog, "bOK");
+  });
+  trigger(window, "actViewRow");
+  EXPECT_EQ(title, "View/Modify JSON Document");
+  EXPECT_EQ(cell(window, 0, 1), "42");
+  EXPECT_EQ(table(window).model()->headerData(0, Qt::Vertical).toString(), "1 *");
 }
 
 TEST_F(JsonWindow, OnlyAnOwnerThatCanSavesANewCollection) {

@@ -6,7 +6,9 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QTabWidget>
+#include <QTableView>
 #include <QTableWidget>
 #include <QTest>
 #include <QTreeWidget>
@@ -117,6 +119,24 @@ TEST_F(ProjectWindow, OwesItsUsersWhatEveryWindowDoes) {
   walkWindow(window, "frmproject");
   TDataSourceDialog dialog(context, project, project.dataSources[0], nullptr);
   walkWindow(dialog, "datasourcedialog");
+}
+
+TEST_F(ProjectWindow, TestedRowsAreSeenAsAGrid) {
+  const std::string file = temp.file("rows.json");
+  writeBytes(file, "{\"a\":1}\n{\"a\":2}\n");
+  TProject project = started();
+  project.source = {"JSON File", file};
+  TDataSourceDialog dialog(context, project, {"JSON File", file, 0}, nullptr);
+  dialog.show();
+  EXPECT_FALSE(child<QPushButton>(dialog, "bViewGrid").isEnabled());
+  click(dialog, "bTest");
+  int rows = 0;
+  whenDialog("frmJSON", [&rows](QDialog& grid) {
+    rows = child<QTableView>(grid, "gDocuments").model()->rowCount();
+    click(grid, "bCancel");
+  });
+  click(dialog, "bViewGrid");
+  EXPECT_EQ(rows, 2);
 }
 
 TEST_F(ProjectWindow, RefusalsLeaveTheCellsAsTheyWere) {

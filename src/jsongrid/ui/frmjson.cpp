@@ -255,8 +255,8 @@ QLayout* TfrmJSON::makeFindRow() {
     connect(button, &QPushButton::clicked, action, &QAction::trigger);
     row->addWidget(button);
   };
-  add("actFindNext", tr("Ne&xt"), "go-down", QKeySequence::FindNext, &TfrmJSON::findNext);
-  add("actFindPrevious", tr("P&revious"), "go-up", QKeySequence::FindPrevious, &TfrmJSON::findPrevious);
+  add("actGridFindNext", tr("Ne&xt"), "go-down", QKeySequence::FindNext, &TfrmJSON::findNext);
+  add("actGridFindPrevious", tr("P&revious"), "go-up", QKeySequence::FindPrevious, &TfrmJSON::findPrevious);
   connect(find_, &QLineEdit::returnPressed, this, &TfrmJSON::findNext);
   QAction* show = makeAction("actFind", tr("Find"), "edit-find", QKeySequence::Find, &TfrmJSON::showFind);
   show->setShortcutContext(Qt::WidgetWithChildrenShortcut);
@@ -326,7 +326,7 @@ void TfrmJSON::accept() {
 
 void TfrmJSON::reject() {
   const bool edited = changed() || (value_->isModified() && !options_.readOnly);
-  if (edited && !context_.prompt.confirm("Are you sure to discard all changes?")) return;
+  if (edited && !context_.prompt.confirm(tr("Are you sure to discard all changes?").toStdString())) return;
   QDialog::reject();
 }
 
@@ -547,7 +547,7 @@ bool TfrmJSON::openFile(const QString& fileName) {
 }
 
 void TfrmJSON::openFileClick() {
-  if (changed() && !context_.prompt.confirm("Are you sure to discard all changes?")) return;
+  if (changed() && !context_.prompt.confirm(tr("Are you sure to discard all changes?").toStdString())) return;
   const QString name = QFileDialog::getOpenFileName(this, tr("Open JSON File"), {},
                                                     tr("JSON files (*.json *.jsonl);;All files (*)"));
   if (!name.isEmpty()) openFile(name);
@@ -655,7 +655,8 @@ void TfrmJSON::find(bool backwards) {
       current ? TCellPlace{view_.placeOf(current->row), current->column} : TCellPlace{0, 0};
   const auto found = view_.find(find_->text().toStdString(), from, backwards);
   if (!found)
-    return void(context_.prompt.ask(TPromptKind::Information, "The text was not found.", TButtons::Ok));
+    return void(context_.prompt.ask(TPromptKind::Information, tr("The text was not found.").toStdString(),
+                                    TButtons::Ok));
   showCell({view_.rowAt(found->row), found->column});
 }
 

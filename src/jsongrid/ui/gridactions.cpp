@@ -32,7 +32,7 @@ enum class TFileForm { Text, Spreadsheet, Pdf };
 /// One entry of the export menu. A dialog offers its forms as file filters.
 struct TGridActions::TKindOfFile {
   const char* name;
-  const char* caption;
+  QString caption;
   const char* extension;
   TFileForm form;
   std::vector<std::pair<QString, TTextFormat>> filters;
@@ -65,34 +65,39 @@ QAction* TGridActions::make(const char* name, const QString& caption, const char
 void TGridActions::makeExports() {
   const std::array kinds{
       TKindOfFile{"actExportText",
-                  "&Text",
+                  tr("&Text"),
                   "txt",
                   TFileForm::Text,
                   {{tr("Text in columns (*.txt)"), TTextFormat::Aligned},
                    {tr("Tab-separated text (*.txt *.tsv)"), TTextFormat::Tabbed}}},
       TKindOfFile{"actExportExcel",
-                  "&Excel",
+                  tr("&Excel"),
                   "xlsx",
                   TFileForm::Spreadsheet,
                   {{tr("Spreadsheet (*.xlsx)"), TTextFormat::Csv}}},
+      TKindOfFile{"actExportHtml",
+                  tr("&HTML"),
+                  "html",
+                  TFileForm::Text,
+                  {{tr("HTML page (*.html)"), TTextFormat::Html}}},
       TKindOfFile{
-          "actExportHtml", "&HTML", "html", TFileForm::Text, {{tr("HTML page (*.html)"), TTextFormat::Html}}},
-      TKindOfFile{"actExportXml", "&XML", "xml", TFileForm::Text, {{tr("XML (*.xml)"), TTextFormat::Xml}}},
-      TKindOfFile{"actExportPdf", "&PDF", "pdf", TFileForm::Pdf, {{tr("PDF (*.pdf)"), TTextFormat::Html}}},
+          "actExportXml", tr("&XML"), "xml", TFileForm::Text, {{tr("XML (*.xml)"), TTextFormat::Xml}}},
+      TKindOfFile{
+          "actExportPdf", tr("&PDF"), "pdf", TFileForm::Pdf, {{tr("PDF (*.pdf)"), TTextFormat::Html}}},
       TKindOfFile{"actExportJson",
-                  "&JSON",
+                  tr("&JSON"),
                   "json",
                   TFileForm::Text,
                   {{tr("One document per line (*.json)"), TTextFormat::JsonLines},
                    {tr("List of documents (*.json)"), TTextFormat::JsonList}}},
       TKindOfFile{"actExportCsv",
-                  "&CSV",
+                  tr("&CSV"),
                   "csv",
                   TFileForm::Text,
                   {{tr("CSV, values as they are (*.csv)"), TTextFormat::Csv},
                    {tr("CSV for spreadsheets, no formulas (*.csv)"), TTextFormat::CsvGuarded}}}};
   for (const TKindOfFile& kind : kinds)
-    exportMenu_->addAction(make(kind.name, text(kind.caption), "", [this, kind] { exportAs(kind); }));
+    exportMenu_->addAction(make(kind.name, kind.caption, "", [this, kind] { exportAs(kind); }));
 }
 
 void TGridActions::makeCopies() {
