@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <optional>
+#include <tuple>
 #include <vector>
 
 #include "connectors/cassandranumber.h"
@@ -58,6 +60,7 @@ class TColumnText {
     const TCqlType type(typeText);
     if (bytes.empty()) return {};
     if (type.isCollection()) return collection(bytes, type, lengths);
+    if (!type.items.empty()) return tuple(bytes, type);
     const TScalarText scalar = cassandraScalar(bytes, type.name, cql_, dates_);
     return cql_ && isCqlQuoted(type.name) ? cqlQuoted(scalar.text) : scalar.text;
   }
@@ -84,6 +87,22 @@ class TColumnText {
     return out += braces ? '}' : ']';
   }
 
+  /// Its items have 32-bit lengths on every server; those at the end may be missing.
+  std::string tuple(std::string_view bytes, const TCqlType& type) const {
+    std::string out(1, cql_ ? '(' : '[');
+    auto [item, others] = splitAtComma(type.items);
+    for (bool first = true; !item.empty(); first = false, std::tie(item, others) = splitAtComma(others)) {
+      const std::int64_t size = bytes.size() < 4 ? -1 : bigEndian(bytes.substr(0, 4));
+      bytes.remove_prefix(std::min<std::size_t>(4, bytes.size()));
+      if (size > 0 && static_cast<std::uint64_t>(size) > bytes.size()) throwBadBytes("tuple", "it is torn");
+      const std::size_t length = size > 0 ? static_cast<std::size_t>(size) : 0;
+      if (!first) out += between;
+      out += size < 0 ? "null" : element(bytes.substr(0, length), item);
+      bytes.remove_prefix(length);
+    }
+    return out += cql_ ? ')' : ']';
+  }
+
   /// A JSON name is text, whatever the key was.
   std::string key(const TElement& bytes, std::string_view typeText) const {
     if (cql_) return element(bytes, typeText);
@@ -97,6 +116,7 @@ class TColumnText {
     if (type.isCollection())
       return bytes->empty() ? "null" : collection(*bytes, type, TCollectionLengths::Int32);
     if (bytes->empty()) return emptyElement(type.name);
+    if (!type.items.empty()) return tuple(*bytes, type);
     TScalarText scalar = cassandraScalar(*bytes, type.name, cql_, dates_);
     if (cql_) return isCqlQuoted(type.name) ? cqlQuoted(scalar.text) : std::move(scalar.text);
     return scalar.isNumber ? std::move(scalar.text) : toJson(TValue(std::move(scalar.text)));

@@ -1,5 +1,6 @@
 #include "connectors/cassandranumber.h"
 
+#include <bit>
 #include <vector>
 
 namespace hollowmere {
@@ -79,6 +80,17 @@ bool isServerDecimal(std::string_view bytes) {
   const std::int64_t scale = bigEndian(bytes.substr(0, scaleBytes));
   if (bytes.size() != 8) return true;
   return scale >= -usual && scale <= usual && isShortest(bytes.substr(scaleBytes));
+}
+
+std::optional<std::int64_t> takeVint(std::string_view& bytes) {
+  if (bytes.empty()) return std::nullopt;
+  const auto first = static_cast<unsigned char>(bytes.front());
+  const auto extra = static_cast<std::size_t>(std::countl_one(first));
+  if (bytes.size() < extra + 1) return std::nullopt;
+  std::uint64_t zigzag = extra >= 7 ? 0 : first & (0xFFU >> (extra + 1));
+  for (std::size_t i = 1; i <= extra; ++i) zigzag = zigzag << 8 | static_cast<unsigned char>(bytes[i]);
+  bytes.remove_prefix(extra + 1);
+  return static_cast<std::int64_t>(zigzag >> 1 ^ (~(zigzag & 1) + 1));
 }
 
 }  // namespace hollowmere

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,5 +19,9 @@ std::string decimalText(std::string digits, std::int64_t scale);
 
 /// Whether 4 bytes of scale and a shortest integer are what a server makes of a number.
 bool isServerDecimal(std::string_view bytes);
+
+/// Takes an integer of a duration (zig-zag, its length in the first byte's leading ones) from the front of
+/// the bytes; nothing when they end before it does.
+std::optional<std::int64_t> takeVint(std::string_view& bytes);
 
 }  // namespace hollowmere

@@ -89,6 +89,32 @@ TScalarText timeOfDay(std::string_view bytes) {
   return {text};
 }
 
+/// "1mo2d3ns", as CQL reads durations; "0s" for none.
+TScalarText duration(std::string_view bytes) {
+  const auto months = takeVint(bytes), days = takeVint(bytes), nanoseconds = takeVint(bytes);
+  if (!months || !days || !nanoseconds || !bytes.empty()) throwBadBytes("duration", "it is torn");
+  std::string text;
+  const auto add = [&text](std::uint64_t number, const char* unit) {
+    if (number > 0) text += std::to_string(number) + unit;
+  };
+  const auto size = [](std::int64_t number) {
+    return number < 0 ? ~static_cast<std::uint64_t>(number) + 1 : static_cast<std::uint64_t>(number);
+  };
+  if (*months < 0 || *days < 0 || *nanoseconds < 0) text += '-';
+  add(size(*months) / 12, "y");
+  add(size(*months) % 12, "mo");
+  add(size(*days), "d");
+  constexpr std::uint64_t second = 1'000'000'000;
+  const std::uint64_t left = size(*nanoseconds);
+  add(left / (3600 * second), "h");
+  add(left / (60 * second) % 60, "m");
+  add(left / second % 60, "s");
+  add(left / 1'000'000 % 1000, "ms");
+  add(left / 1000 % 1000, "us");
+  add(left % 1000, "ns");
+  return {text.empty() ? "0s" : text};
+}
+
 TScalarText decimal(std::string_view bytes) {
   if (isServerDecimal(bytes))
     return number(decimalText(varintText(bytes.substr(4)), bigEndian(bytes.substr(0, 4))));
@@ -106,7 +132,7 @@ struct TScalarType {
   bool strict = true;
 };
 
-constexpr std::array<TScalarType, 17> scalarTypes{{
+constexpr std::array<TScalarType, 18> scalarTypes{{
     {"blob", 0, blob},
     {"bigint", 8, integer},
     {"decimal", 0, decimal},
@@ -124,6 +150,7 @@ constexpr std::array<TScalarType, 17> scalarTypes{{
     {"tinyint", 1, integer, false},
     {"date", 4, date, false},
     {"time", 8, timeOfDay, false},
+    {"duration", 0, duration},
 }};
 
 void checkLength(std::string_view bytes, std::string_view type, std::size_t length) {

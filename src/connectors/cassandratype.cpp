@@ -93,6 +93,8 @@ TCqlType::TCqlType(std::string_view text) : name(trimmed(text)) {
     std::tie(element, value) = splitAtComma(inner);
   } else if (outer == "set" || outer == "list") {
     element = trimmed(inner);
+  } else if (outer == "tuple") {
+    items = trimmed(inner);
   } else {
     return;
   }

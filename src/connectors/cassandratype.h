@@ -17,6 +17,7 @@ struct TCqlType {
   std::string_view name;     ///< "map", "set", "list", or the whole type
   std::string_view element;  ///< element type, or key type of a map; empty when there is none
   std::string_view value;    ///< value type of a map
+  std::string_view items;    ///< types of a tuple's items
 
   [[nodiscard]] bool isCollection() const { return !element.empty(); }
 };

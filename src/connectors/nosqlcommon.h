@@ -72,7 +72,8 @@ enum class TCollectionLengths { Short16, Int32 };
 ///   64-bit integer.
 /// - timeuuid, counter, inet, smallint, tinyint, date and time are read when the length is theirs; other
 ///   types, and bytes of another length, as text or, when they are none, as a blob.
-/// - Lists and sets become a JSON list, maps a JSON object whose keys are text.
+/// - A duration is text as CQL writes it: "1mo2d3ns".
+/// - Lists, sets and tuples become a JSON list, maps a JSON object whose keys are text.
 /// - quote makes a CQL literal: text types and timestamps (as ISO 8601 with offset) in single quotes,
 ///   collections in CQL's own form.
 /// Throws std::runtime_error, naming the type, for bytes of the wrong length or a torn collection.

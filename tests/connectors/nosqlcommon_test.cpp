@@ -316,6 +316,8 @@ TEST(NosqlCommon, tornCassandraBytesAreSurvived) {
                                        "frozen<frozen<>>",
                                        "timestamp",
                                        "inet",
+                                       "duration",
+                                       "tuple<int, frozen<tuple<text>>>",
                                        "map<,>",
                                        "list<list<list<text>>>"};
   const TDateTimeText dates("en_US");

@@ -28,6 +28,9 @@ constexpr std::size_t requestBytes = 15 * 1024 * 1024;
 /// Between two attempts to reach a server that is gone.
 constexpr std::chrono::milliseconds reconnectPause{500};
 
+/// Rows one after the other that may each cost a connection.
+constexpr int mostLosses = 2;
+
 std::size_t bytesOf(const std::vector<std::string>& values) {
   std::size_t bytes = 0;
   for (const std::string& value : values) bytes += value.size() + sizeof(std::int32_t);
@@ -248,18 +251,18 @@ void TCassandraWriter::rescue(const std::string& reason, TOutcomeSink& sink) {
   std::move(sent_.begin(), sent_.end(), std::back_inserter(units));
   sent_.clear();
   rowsSent_ = bytesSent_ = 0;
-  for (TUnit& unit : units) {
-    if (!plans_->countersOnly()) {
-      writeAlone(unit, sink);
-      continue;
-    }
-    for (const TRow& row : unit.rows) sink.refused(toJson(row.document), reason);
-  }
+  losses_ = plans_->countersOnly() ? mostLosses : 0;
+  for (TUnit& unit : units) writeAlone(unit, sink);
+  losses_ = 0;
 }
 
+/// One row may be what ends a connection; when several rows one after the other do, the server is at fault,
+/// and is not waited for with each of the others.
 void TCassandraWriter::writeAlone(TUnit& unit, TOutcomeSink& sink) {
   for (const TRow& row : unit.rows) {
-    const std::string fault = client_.isConnected() || reconnect() ? tryAlone(*unit.plan, row) : lostText_;
+    const bool reached = losses_ < mostLosses && (client_.isConnected() || reconnect());
+    const std::string fault = reached ? tryAlone(*unit.plan, row) : lostText_;
+    if (reached) losses_ = client_.isConnected() ? 0 : losses_ + 1;
     if (fault.empty())
       sink.stored(1);
     else

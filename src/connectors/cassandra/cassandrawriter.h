@@ -66,6 +66,7 @@ class TCassandraWriter : public TTargetWriter {
   std::vector<TUnit> failed_;  ///< to be taken apart
   std::chrono::steady_clock::time_point nextConnect_;
   std::string lostText_;
+  int losses_ = 0;  ///< rows on end that cost a connection while they were written alone
 };
 
 }  // namespace hollowmere

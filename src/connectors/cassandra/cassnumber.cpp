@@ -141,15 +141,4 @@ void appendVint(std::string& out, std::int64_t number) {
   appendBigEndian(out, ones | zigzag, extra + 1);
 }
 
-std::optional<std::int64_t> takeVint(std::string_view& bytes) {
-  if (bytes.empty()) return std::nullopt;
-  const auto first = static_cast<unsigned char>(bytes.front());
-  const auto extra = static_cast<std::size_t>(std::countl_one(first));
-  if (bytes.size() < extra + 1) return std::nullopt;
-  std::uint64_t zigzag = extra >= 7 ? 0 : first & (0xFFU >> (extra + 1));
-  for (std::size_t i = 1; i <= extra; ++i) zigzag = zigzag << 8 | static_cast<unsigned char>(bytes[i]);
-  bytes.remove_prefix(extra + 1);
-  return static_cast<std::int64_t>(zigzag >> 1 ^ (~(zigzag & 1) + 1));
-}
-
 }  // namespace hollowmere

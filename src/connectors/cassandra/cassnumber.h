@@ -28,7 +28,5 @@ std::string varintBytes(std::int64_t number);
 
 /// An integer as durations hold it: zig-zag, the length in the first byte's leading ones.
 void appendVint(std::string& out, std::int64_t number);
-/// Takes one from the front of the bytes; nothing when they end before it does.
-std::optional<std::int64_t> takeVint(std::string_view& bytes);
 
 }  // namespace hollowmere

@@ -5,7 +5,6 @@
 #include <optional>
 #include <vector>
 
-#include "connectors/cassandra/cassnumber.h"
 #include "connectors/cassandranumber.h"
 #include "connectors/cassandrascalar.h"
 #include "connectors/markers.h"
@@ -98,11 +97,11 @@ TValue scalarValue(std::string_view bytes, const TCassType& type, const TDateTim
     case TBase::Date:
     case TBase::Time:
     case TBase::Uuid:
-    case TBase::TimeUuid: return scalarText(bytes, type, dates);
+    case TBase::TimeUuid:
+    case TBase::Duration: return scalarText(bytes, type, dates);
     case TBase::Inet:
       if (bytes.size() != 4) checkLength(bytes, type, 16);
       return scalarText(bytes, type, dates);
-    case TBase::Duration: return durationText(bytes);
     default: return blobValue(bytes);
   }
 }
@@ -201,31 +200,6 @@ TValue cassValue(std::string_view bytes, const TCassType& type, TCollectionLengt
   if (type.isCollection()) return collectionValue(bytes, type, lengths, dates);
   if (type.base == TBase::Tuple || type.base == TBase::User) return itemsValue(bytes, type, dates);
   return scalarValue(bytes, type, dates);
-}
-
-std::string durationText(std::string_view bytes) {
-  const auto months = takeVint(bytes), days = takeVint(bytes), nanoseconds = takeVint(bytes);
-  if (!months || !days || !nanoseconds || !bytes.empty()) throwBadBytes("duration", "it is torn");
-  std::string text;
-  const auto add = [&text](std::uint64_t number, const char* unit) {
-    if (number > 0) text += std::to_string(number) + unit;
-  };
-  const auto size = [](std::int64_t number) {
-    return number < 0 ? ~static_cast<std::uint64_t>(number) + 1 : static_cast<std::uint64_t>(number);
-  };
-  if (*months < 0 || *days < 0 || *nanoseconds < 0) text += '-';
-  add(size(*months) / 12, "y");
-  add(size(*months) % 12, "mo");
-  add(size(*days), "d");
-  constexpr std::uint64_t second = 1'000'000'000;
-  const std::uint64_t left = size(*nanoseconds);
-  add(left / (3600 * second), "h");
-  add(left / (60 * second) % 60, "m");
-  add(left / second % 60, "s");
-  add(left / 1'000'000 % 1000, "ms");
-  add(left / 1000 % 1000, "us");
-  add(left % 1000, "ns");
-  return text.empty() ? "0s" : text;
 }
 
 }  // namespace hollowmere

@@ -19,7 +19,4 @@ namespace hollowmere {
 TValue cassValue(std::string_view bytes, const TCassType& type, TCollectionLengths lengths,
                  const TDateTimeText& dates);
 
-/// "1mo2d3ns", as CQL reads durations; "0s" for none.
-std::string durationText(std::string_view bytes);
-
 }  // namespace hollowmere
