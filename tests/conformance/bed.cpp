@@ -6,10 +6,13 @@
 #include <mutex>
 #include <set>
 
+#include "connectors/cassandra/cassandraclient.h"
+#include "connectors/cassandra/cassandraconnector.h"
 #include "connectors/hbase/hbaseclient.h"
 #include "connectors/hbase/hbaseconnector.h"
 #include "connectors/jsonfile/jsonfileconnector.h"
 #include "connectors/mongodb/mongoconnector.h"
+#include "support/casswire/standin.h"
 #include "support/hbasewire/standin.h"
 #include "support/mongowire/standin.h"
 #include "support/tempfolder.h"
@@ -82,6 +85,65 @@ class TMongoBed : public TBed {
  private:
   std::uint16_t port_;
   std::unique_ptr<TStoreConnector> connector_;
+};
+
+/// Tables are made when they are first named.
+class TCassandraBed : public TBed {
+ public:
+  explicit TCassandraBed(std::uint16_t port) : port_(port), connector_(makeCassandraConnector()) {
+    keepsOrder = keepsKinds = hasKeys = takesAny = nests = false;
+    rangesShares = overwrites = true;
+    emptySource = "Cassandra data source CQL query does not return rows: select * from ";
+    strangerFault =
+        "Authentication error. You must supply valid username and password to login to Cassandra database.";
+  }
+
+  [[nodiscard]] const TStoreConnector& connector() const override { return *connector_; }
+  [[nodiscard]] TValue connection(const std::string& collection) const override {
+    makeTable(collection);
+    return cassandraRecord(port_);
+  }
+  [[nodiscard]] std::string target(const std::string& collection) const override {
+    return "shop." + collection;
+  }
+  [[nodiscard]] TDataSource source(const std::string& collection, const std::string& query) const override {
+    return cassandraSource(collection, query);
+  }
+  [[nodiscard]] TValue nowhere() const override { return cassandraRecord(1); }
+
+ protected:
+  virtual void makeTable(const std::string& name) const {
+    TCassandraClient client(optionsFor(cassandraRecord(port_)), "No connection.");
+    client.execute(
+        "create keyspace if not exists shop with replication = {'class': 'SimpleStrategy', "
+        "'replication_factor': 1}",
+        TConsistency::One);
+    client.execute("create table if not exists shop." + name + " (\"_id\" int primary key, name text)",
+                   TConsistency::One);
+  }
+
+ private:
+  std::uint16_t port_;
+  std::unique_ptr<TStoreConnector> connector_;
+};
+
+class TCassandraStandInBed : public TCassandraBed {
+ public:
+  explicit TCassandraStandInBed(std::unique_ptr<casswire::TCassandraStandIn> server)
+      : TCassandraBed(server->port()), server_(std::move(server)) {}
+
+  [[nodiscard]] TValue strangersConnection() const override {
+    server_->setPassword("right");
+    return cassandraRecord(server_->port());
+  }
+
+ protected:
+  void makeTable(const std::string& name) const override {
+    server_->add("shop." + name, {{"_id", "int", "partition_key", {}}, {"name", "text", "regular", {}}});
+  }
+
+ private:
+  std::unique_ptr<casswire::TCassandraStandIn> server_;
 };
 
 class TStandInBed : public TMongoBed {
@@ -170,6 +232,16 @@ std::vector<TBedKind> bedKinds() {
           {"JsonFile", [] { return std::make_unique<TJsonFileBed>(); }},
           {"MongoStandIn",
            [] { return std::make_unique<TStandInBed>(std::make_unique<mongowire::TMongoStandIn>()); }},
+          {"CassandraStandIn",
+           [] {
+             return std::make_unique<TCassandraStandInBed>(std::make_unique<casswire::TCassandraStandIn>());
+           }},
+          {"CassandraOldStandIn",
+           [] {
+             return std::make_unique<TCassandraStandInBed>(
+                 std::make_unique<casswire::TCassandraStandIn>("2.1.22"));
+           }},
+          {"CassandraServer", [] { return std::make_unique<TCassandraBed>(sharedCassandra().port()); }},
           {"MongoServer", [] { return std::make_unique<TMongoBed>(sharedServer().port()); }},
           {"HBaseStandIn",
            [] { return std::make_unique<THBaseStandInBed>(std::make_unique<hbasewire::THBaseStandIn>()); }},
@@ -206,6 +278,25 @@ TDataSource mongoSource(const std::string& collection, const std::string& query)
   return {collection, TObject{{"database", "shop"}, {"collection", collection}, {"query", query}}, 0};
 }
 
+TValue cassandraRecord(std::uint16_t port, const std::string& user, const std::string& password) {
+  return TObject{{"dbtype", "Cassandra"}, {"host", "127.0.0.1"},  {"port", static_cast<int>(port)},
+                 {"user", user},          {"password", password}, {"readlevel", "ONE"},
+                 {"writelevel", "ONE"}};
+}
+
+TDataSource cassandraSource(const std::string& table, const std::string& query) {
+  return {table,
+          TObject{{"keyspace", "shop"},
+                  {"columnfamily", table},
+                  {"query", query.empty() ? "select * from " + table : query}},
+          0};
+}
+
+const TLocalServer& sharedCassandra() {
+  static const TLocalServer server({}, "cassandra");
+  return server;
+}
+
 const TLocalServer& sharedServer() {
   static const TLocalServer server;
   return server;
@@ -223,7 +314,7 @@ void writeAll(const TBed& bed, const std::string& collection, const std::vector<
   TStoreOptions options = optionsFor(bed.connection(collection));
   options.bulkSize = bulkSize;
   const auto writer = bed.connector().connectTarget(options);
-  writer->openTarget({"target", collection, {}});
+  writer->openTarget({"target", bed.target(collection), {}});
   for (const TObject& document : documents) writer->write(bed.toStore(document), sink);
   writer->flush(sink);
 }

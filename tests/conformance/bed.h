@@ -22,6 +22,8 @@ class TBed {
   [[nodiscard]] virtual const TStoreConnector& connector() const = 0;
   /// Collections are named by the test; a store of files makes a file of each.
   [[nodiscard]] virtual TValue connection(const std::string& collection) const = 0;
+  /// The name of a data target that receives the collection.
+  [[nodiscard]] virtual std::string target(const std::string& collection) const { return collection; }
   [[nodiscard]] virtual TDataSource source(const std::string& collection,
                                            const std::string& query = {}) const = 0;
   /// The same connection, with a user whom the server does not know; null where a store has no users.
@@ -33,13 +35,17 @@ class TBed {
   [[nodiscard]] virtual TObject toStore(const TObject& document) const { return document; }
   [[nodiscard]] virtual TObject fromStore(const TObject& row) const { return row; }
 
-  bool nests = true;        ///< nested queries
-  bool jsonQueries = true;  ///< queries are JSON objects
-  bool hasKeys = true;      ///< a second document with the same "_id" is refused
-  bool overwrites = false;  ///< ... or takes the place of the first
-  bool keepsKinds = true;   ///< values that JSON lacks come back as they were
+  bool nests = true;          ///< nested queries
+  bool jsonQueries = true;    ///< queries are JSON objects
+  bool hasKeys = true;        ///< a second document with the same "_id" is refused
+  bool overwrites = false;    ///< ... or takes the place of the first
+  bool keepsKinds = true;     ///< values that JSON lacks come back as they were
+  bool keepsOrder = true;     ///< rows are read as they were written
+  bool takesAny = true;       ///< documents of any shape; otherwise _id (int) and name (text) alone
+  bool rangesShares = false;  ///< shares of a source hold each row once, but not a certain number of them
   std::string
       emptySource;  ///< the error of an empty root source, the collection's name behind it; empty: none
+  std::string strangerFault = "uthentication failed";  ///< part of what a stranger is told
 };
 
 /// Counts what a writer says.
@@ -76,6 +82,10 @@ const TLocalServer& sharedHBase();
 TValue mongoRecord(std::uint16_t port, const std::string& user = {}, const std::string& password = {},
                    const std::string& mechanism = {}, const std::string& authdb = {});
 TDataSource mongoSource(const std::string& collection, const std::string& query = {});
+/// A Cassandra connection record.
+TValue cassandraRecord(std::uint16_t port, const std::string& user = {}, const std::string& password = {});
+TDataSource cassandraSource(const std::string& table, const std::string& query = {});
+const TLocalServer& sharedCassandra();
 /// The server process of this test program, started when it is first needed.
 const TLocalServer& sharedServer();
 

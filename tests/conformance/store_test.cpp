@@ -1,4 +1,5 @@
 // What every store must do, whatever it is.
+#include <algorithm>
 #include <atomic>
 #include <set>
 #include <thread>
@@ -29,11 +30,24 @@ std::vector<std::string> texts(const std::vector<TObject>& documents) {
   return all;
 }
 
+std::vector<TObject> byId(std::vector<TObject> documents) {
+  std::sort(documents.begin(), documents.end(), [](const TObject& a, const TObject& b) {
+    return a.find("_id")->asInt() < b.find("_id")->asInt();
+  });
+  return documents;
+}
+
 class StoreConformance : public testing::TestWithParam<TBedKind> {
  protected:
   std::unique_ptr<TBed> bed = GetParam().make();
   std::string collection = freshName();
   TRecordingSink sink;
+
+  /// The rows in the order in which they were written, where the store has an order of its own.
+  std::vector<TObject> read(const TShare& share = {}, std::int64_t fetchLimit = 100) {
+    std::vector<TObject> rows = readAll(*bed, collection, share, fetchLimit);
+    return bed->keepsOrder ? rows : byId(std::move(rows));
+  }
 
   void fill(const std::vector<TObject>& documents) {
     writeAll(*bed, collection, documents, sink, 100);
@@ -44,8 +58,8 @@ class StoreConformance : public testing::TestWithParam<TBedKind> {
 
 TEST_P(StoreConformance, ReadsAllRowsInOrder) {
   fill(numbered(250));
-  EXPECT_EQ(texts(readAll(*bed, collection)), texts(numbered(250)));
-  EXPECT_EQ(texts(readAll(*bed, collection, {}, 7)), texts(numbered(250))) << "seven at a time";
+  EXPECT_EQ(texts(read()), texts(numbered(250)));
+  EXPECT_EQ(texts(read({}, 7)), texts(numbered(250))) << "seven at a time";
 }
 
 TEST_P(StoreConformance, CountsItsRows) {
@@ -68,10 +82,12 @@ TEST_P(StoreConformance, SharesHoldEveryRowOnce) {
   std::vector<TObject> together;
   for (const TShare& share : {TShare{1, 3, 0, 3}, TShare{2, 3, 3, 3}, TShare{3, 3, 6, 4}}) {
     const std::vector<TObject> rows = readAll(*bed, collection, share, 2);
-    EXPECT_EQ(static_cast<std::int64_t>(rows.size()), *share.rows);
+    if (!bed->rangesShares) {
+      EXPECT_EQ(static_cast<std::int64_t>(rows.size()), *share.rows);
+    }
     together.insert(together.end(), rows.begin(), rows.end());
   }
-  EXPECT_EQ(texts(together), texts(numbered(10)));
+  EXPECT_EQ(texts(bed->keepsOrder ? together : byId(together)), texts(numbered(10)));
 }
 
 TEST_P(StoreConformance, OpensOneCursorAfterTheOther) {
@@ -79,13 +95,20 @@ TEST_P(StoreConformance, OpensOneCursorAfterTheOther) {
   const auto reader = bed->connector().connectSource(optionsFor(bed->connection(collection)));
   for (int round = 0; round < 2; ++round) {
     reader->openRoot(bed->source(collection), {});
-    for (int i = 1; i <= 5; ++i) EXPECT_EQ(bed->fromStore(*reader->next()).find("_id")->asInt(), i);
-    EXPECT_EQ(reader->rowText(), toJson(bed->toStore(numbered(5)[4]), TTextForm::Markers));
+    std::int64_t id = 0;
+    for (int i = 1; i <= 5; ++i) {
+      id = bed->fromStore(*reader->next()).find("_id")->asInt();
+      if (bed->keepsOrder) {
+        EXPECT_EQ(id, i);
+      }
+    }
+    const TObject fifth{{"_id", id}, {"name", "row " + std::to_string(id)}};
+    EXPECT_EQ(reader->rowText(), toJson(bed->toStore(fifth), TTextForm::Markers));
   }
 }
 
 TEST_P(StoreConformance, NestedQueriesAreBoundByKind) {
-  if (!bed->jsonQueries) return;
+  if (!bed->jsonQueries || !bed->takesAny) return;
   fill({TObject{{"_id", 1}, {"dept", 5}, {"name", "Ann"}},
         TObject{{"_id", 2}, {"dept", "5"}, {"name", "Bob"}},
         TObject{{"_id", 3}, {"dept", 5}, {"name", "Cyd"}},
@@ -123,6 +146,7 @@ TEST_P(StoreConformance, NestedQueriesAreBoundByKind) {
 }
 
 TEST_P(StoreConformance, EveryKindOfValueComesBack) {
+  if (!bed->takesAny) return;
   const TObject document =
       typedJson(R"({"_id":1,"none":null,"yes":true,"no":false,"int":5,"least":-9223372036854775808,
       "beyond":9007199254740993,"double":2.5,"whole":3.0,"tiny":5e-324,"text":"plain","empty":"","list":[1,[2,[]],{"a":null}],
@@ -145,6 +169,7 @@ TEST_P(StoreConformance, EveryKindOfValueComesBack) {
 }
 
 TEST_P(StoreConformance, TextsComeBackWhole) {
+  if (!bed->takesAny) return;
   std::string every;
   for (int c = 1; c < 128; ++c)
     if (c != '"') every += static_cast<char>(c);
@@ -191,7 +216,7 @@ TEST_P(StoreConformance, AWriterGoesOnBehindARefusal) {
   {
     const auto writer = bed->connector().connectTarget(options);
     for (int round = 0; round < 2; ++round) {
-      writer->openTarget({"target", collection, {}});
+      writer->openTarget({"target", bed->target(collection), {}});
       for (const TObject& document : numbered(5)) writer->write(bed->toStore(document), sink);
       writer->flush(sink);
       EXPECT_EQ(sink.storedCount + static_cast<std::int64_t>(sink.refusals.size()), 5 * (round + 1));
@@ -220,7 +245,7 @@ TEST_P(StoreConformance, RefusesStrangers) {
                            std::function<void()>([&] { bed->connector().checkSource(options); }),
                            std::function<void()>([&] { bed->connector().checkTarget(options); })}) {
     const std::string fault = faultOf(TStoreErrorKind::Connect, call);
-    EXPECT_NE(fault.find("uthentication failed"), std::string::npos) << fault;
+    EXPECT_NE(fault.find(bed->strangerFault), std::string::npos) << fault;
     EXPECT_EQ(fault.find("wrong secret"), std::string::npos) << fault;
   }
 }
@@ -237,7 +262,7 @@ TEST_P(StoreConformance, ChecksChangeNothing) {
   const TStoreOptions options = optionsFor(bed->connection(collection));
   bed->connector().checkSource(options);
   bed->connector().checkTarget(options);
-  EXPECT_EQ(texts(readAll(*bed, collection)), texts(numbered(3)));
+  EXPECT_EQ(texts(read()), texts(numbered(3)));
 }
 
 TEST_P(StoreConformance, ManyThreadsAtOnce) {
@@ -247,10 +272,12 @@ TEST_P(StoreConformance, ManyThreadsAtOnce) {
   for (int number = 0; number < 4; ++number)
     threads.emplace_back([&, number, name = freshName()] {
       const std::vector<TObject> rows = readAll(*bed, collection, {number + 1, 4, 50 * number, 50}, 9);
-      EXPECT_EQ(rows.size(), 50U);
+      if (!bed->rangesShares) {
+        EXPECT_EQ(rows.size(), 50U);
+      }
       TRecordingSink outcomes;
       writeAll(*bed, name, rows, outcomes, 20);
-      EXPECT_EQ(outcomes.storedCount, 50);
+      EXPECT_EQ(outcomes.storedCount, static_cast<std::int64_t>(rows.size()));
     });
 }
 
