@@ -13,6 +13,7 @@ import subprocess
 import threading
 import time
 
+import cassandra_bench
 import rows
 from harness import (BIN, TOOLS, HBaseSink, Sink, Table, file, hbase, interrupt, load, mongo, node, path, project, run,
                      start_server, stop_server)
@@ -506,6 +507,7 @@ def hbase_server():
     subprocess.run([server, "stop", port], stdout=subprocess.DEVNULL)
 
 
+cassandra_bench.register(measurement, table, size, ROUNDS)
 started = time.monotonic()
 for each in measurements:
     if re.search(options.name, each.__name__):

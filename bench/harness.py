@@ -60,7 +60,7 @@ def run(*command):
 
 
 class Sink:
-    """A server of our own (hm-mongo-sink) for the time of a with statement; counts holds what it saw."""
+    """A server of our own for the time of a with statement; counts holds what it saw."""
 
     program = "hm-mongo-sink"
 
@@ -83,6 +83,10 @@ class Sink:
 
 class HBaseSink(Sink):
     program = "hm-hbase-sink"
+
+
+class CassandraSink(Sink):
+    program = "hm-cassandra-sink"
 
 
 def hbase(port):
@@ -111,20 +115,21 @@ def file(name):
     return "JSON File", name
 
 
-def project(source, target, children=(), bulk=1000, degree=1, fetch=1000, count=True, name="load"):
+def project(source, target_side, children=(), bulk=1000, degree=1, fetch=1000, count=True, name="load",
+            source_query=None, target="copies"):
     """Seals a project that loads one source into one target; gives its file."""
     document = json.loads(run(CLI, "new").out)
     document.update({
-        "vgGeneralBulkInsert": bulk, "vgGeneralTargetDegree": degree, "vgGeneralFetchLimit": fetch,
+        "vgGeneralBulkInsert": bulk, "vgGeneralTargetDegree": degree, "vgGeneralSourceFetchLimit": fetch,
         "vgGeneralIgnoreNulls": False, "vgGeneralSkipCount": not count,
         "vgGeneralLogFile": path(name + ".log"), "vgGeneralDiscFile": path(name + ".disc")})
-    for key, side in (("vgGeneralCategorySourceDB", source), ("vgGeneralCategoryTargetDB", target)):
+    for key, side in (("vgGeneralCategorySourceDB", source), ("vgGeneralCategoryTargetDB", target_side)):
         kind = "Source" if "Source" in key else "Target"
         document[key] = {"vgGeneral%sDBType" % kind: side[0], "vgGeneral%sConn" % kind: side[1]}
-    query = {"JSON File": source[1], "HBase": {"table": "rows", "query": ""}}.get(
+    query = source_query or {"JSON File": source[1], "HBase": {"table": "rows", "query": ""}}.get(
         source[0], {"database": "bench", "collection": "rows", "query": ""})
     document["datasourcelist"] = [{"name": "rows", "datasource": query, "count": 0}]
-    document["datatargetlist"] = [{"name": "copies", "datatarget": "copies", "saslpwd": ""}]
+    document["datatargetlist"] = [{"name": "copies", "datatarget": target, "saslpwd": ""}]
     document["datamaplist"] = [node("copies", "rows", "String", children)]
     for old in (".log", ".disc"):
         if os.path.exists(path(name + old)):

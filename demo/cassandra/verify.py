@@ -1,0 +1,131 @@
+"""Compares what the demo loaded with what its files say: verify.py FOLDER NATIVE_PORT MONGO_PORT MONGO_PYTHON.
+Exits 1 when they differ."""
+import json
+import os
+import re
+import subprocess
+import sys
+
+from cassandra.cluster import Cluster
+
+os.chdir(sys.argv[1])
+faults = 0
+
+
+def check(what, found, wanted):
+    global faults
+    good = found == wanted
+    faults += not good
+    print(f"  {'ok     ' if good else 'WRONG  '}{what}: {found}" + ("" if good else f", but must be {wanted}"))
+
+
+def read_lines(name, end):
+    with open(name, encoding="utf-8", newline="") as file:
+        lines = file.read().split(end)
+    if lines.pop():
+        check(f"last line of {name}", "cut off", "whole")
+    return lines
+
+
+def parse(line):
+    try:
+        return json.loads(line)
+    except ValueError:
+        return None
+
+
+def plain(value):
+    """A value of the result as it was before its double quotes were masked."""
+    if isinstance(value, dict):
+        return {name: plain(member) for name, member in value.items()}
+    if isinstance(value, list):
+        return [plain(member) for member in value]
+    return value.replace("&quot;", '"') if isinstance(value, str) else value
+
+
+def nested_order(order):
+    options = {name: json.dumps(value) for name, value in json.loads(order["options"]).items()}
+    made = {
+        "number": order["order"],
+        "ordered": order["ordered"],
+        "delivered": order["delivered"],
+        "total": float(order["amount"]),
+        "paid": order["paid"] == "true",
+        "city": order["city"],
+        "lines": order["lines"],
+        "options": options,
+        "signature": order["signature"],
+    }
+    return {name: value for name, value in made.items() if value is not None}
+
+
+source = read_lines("orders.json", "\n")
+rows = [parse(line) for line in source]
+good = [row for row in rows if row and re.fullmatch(r"\d+\.\d\d", row["amount"])]
+orders = {(row["customer"], row["order"]): row for row in good}  # of two with one key the later is kept
+customers = [json.loads(line) for line in read_lines("customers.json", "\n")]
+
+print("The load of the orders")
+with open("orders.totals.json", encoding="utf-8") as file:
+    totals = json.load(file)
+check("orders loaded", totals["loaded"], len(good))
+check("orders skipped", totals["skipped"], len(rows) - len(good))
+check("orders discarded", totals["discarded"], 0)
+
+print("The tables, as the server's own driver reads them")
+cluster = Cluster(["127.0.0.1"], port=int(sys.argv[2]), protocol_version=4)
+session = cluster.connect("shop")
+check("customers", session.execute("select count(*) from customers").one()[0], len(customers))
+check("orders", session.execute("select count(*) from orders").one()[0], len(orders))
+cluster.shutdown()
+
+wanted = {customer["number"]: [] for customer in customers}
+for (customer, _), order in orders.items():
+    wanted[customer].append(order)
+
+
+def differs(customer, document):
+    own = sorted(wanted[customer["number"]], key=lambda order: order["order"])
+    latest = {"number": own[-1]["order"]} if own else None
+    return not (
+        (document["_id"], document["name"], document["mail"]) == (customer["number"], customer["name"], customer["mail"])
+        and (document["since"][:10], document["vip"]) == (customer["since"], customer["vip"] == "true")
+        and (document["credit"], document["city"]) == (float(customer["credit"]), customer["city"])
+        and document["orders"] == [nested_order(order) for order in own]
+        and document.get("latest") == latest
+    )
+
+
+def compare(what, documents):
+    check(f"documents {what}", len(documents), len(customers))
+    check(f"orders in them {what}", sum(len(document["orders"]) for document in documents), len(orders))
+    pairs = zip(customers, sorted(documents, key=lambda document: document["_id"]))
+    different = [customer["number"] for customer, document in pairs if differs(customer, document)]
+    check(f"customers that differ from the files in any value {what}", different[:10] or "none", "none")
+
+
+print("The results")
+compare("in the file", [plain(json.loads(line)) for line in read_lines("customers-with-orders.json", "\r")])
+dump = """import json, sys
+from pymongo import MongoClient
+def plain(v):
+    if isinstance(v, dict): return {k: plain(x) for k, x in v.items()}
+    if isinstance(v, list): return [plain(x) for x in v]
+    if hasattr(v, 'isoformat'): return v.isoformat(timespec='milliseconds') + 'Z'
+    if isinstance(v, bytes):
+        import base64
+        return '&base64;' + base64.b64encode(v).decode()
+    return v if isinstance(v, (int, float, str, bool, type(None))) else str(v)
+for d in MongoClient('127.0.0.1', int(sys.argv[1]))['shop']['customers'].find(): print(json.dumps(plain(d)))
+"""
+found = subprocess.run([sys.argv[4], "-c", dump, sys.argv[3]], capture_output=True, text=True, check=True).stdout
+moved = [json.loads(line) for line in found.splitlines()]
+for document in moved:
+    for order in document["orders"]:
+        for key in ("delivered",):
+            if key in order:
+                order[key] = order[key][:10]
+compare("in MongoDB", moved)
+
+print(f"{faults} faults" if faults else "All of it is as it must be.")
+sys.exit(1 if faults else 0)
