@@ -7,7 +7,7 @@ import statistics
 import subprocess
 
 import rows
-from harness import Sink, file, load, node, path, project, run
+from harness import CassandraSink, file, load, node, path, project, run
 
 SERVERS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "tests", "servers", "cassandra")
 COLUMNS = [("number", "bigint primary key"), ("name", "text"), ("email", "text"), ("active", "boolean"),
@@ -20,10 +20,6 @@ QUERY = {"keyspace": "bench", "columnfamily": "rows", "query": "select * from ro
 def cassandra(port):
     return "Cassandra", {"host": "127.0.0.1", "port": port, "user": "", "password": "", "readlevel": "ONE",
                          "writelevel": "ONE"}
-
-
-def sink(*options):
-    return Sink(*options, program="hm-cassandra-sink")
 
 
 class Server:
@@ -86,7 +82,7 @@ def register(measurement, table, size, rounds):
     @measurement
     def cassandra_batches():
         counts = {0: size(10_000, 5_000), 1000: size(100_000, 30_000)}
-        for what, server in (("a sink", sink), ("the server", Server)):
+        for what, server in (("a sink", CassandraSink), ("the server", Server)):
             speeds = {bulk: [] for bulk in counts}
             with server() as one:
                 write(one.port, counts[1000])  # a server that has just begun is slow
@@ -119,7 +115,7 @@ def register(measurement, table, size, rounds):
         count = size(400_000, 100_000)
         figures = []
         for _ in range(rounds):
-            with sink() as one:
+            with CassandraSink() as one:
                 figures.append(write(one.port, count).cpu / count * 1e6)
                 one_row = write(one.port, 1).cpu
         table.add("file to Cassandra, 10 columns, CPU a row", figures, ("at most", 8), " us",
@@ -132,7 +128,7 @@ def register(measurement, table, size, rounds):
         for _ in range(rounds):
             for degree in speeds:
                 count = each * degree
-                with sink("--rows", count, "--delay-ms", 1) as source, sink("--delay-ms", 1) as target:
+                with CassandraSink("--rows", count, "--delay-ms", 1) as source, CassandraSink("--delay-ms", 1) as target:
                     loaded = copy(source.port, target.port, count, degree, bulk, 10)
                 speeds[degree].append(count / loaded.result["seconds"])
         for degree in (2, 4, 8):
@@ -144,7 +140,7 @@ def register(measurement, table, size, rounds):
         few, many = size((500_000, 5_000_000), (50_000, 500_000))
         peaks = []
         for count in (few, many):
-            with sink("--rows", count) as source, sink() as target:
+            with CassandraSink("--rows", count) as source, CassandraSink() as target:
                 peaks.append(copy(source.port, target.port, count).peak)
         table.add("Cassandra to Cassandra, peak memory of %s rows over %s" % (format(many, ","), format(few, ",")),
                   [peaks[1] - peaks[0]], ("at most", 5), " MB", "%.0f and %.0f MB" % tuple(peaks))

@@ -64,9 +64,8 @@ class Sink:
 
     program = "hm-mongo-sink"
 
-    def __init__(self, *options, program=None):
-        ends = [] if program == "hm-cassandra-sink" else ["--until-stdin-closes"]
-        self.command = [os.path.join(BIN, program or self.program), *ends, *map(str, options)]
+    def __init__(self, *options):
+        self.command = [os.path.join(BIN, self.program), "--until-stdin-closes", *map(str, options)]
         self.counts = None
 
     def __enter__(self):
@@ -84,6 +83,10 @@ class Sink:
 
 class HBaseSink(Sink):
     program = "hm-hbase-sink"
+
+
+class CassandraSink(Sink):
+    program = "hm-cassandra-sink"
 
 
 def hbase(port):

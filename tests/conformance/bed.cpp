@@ -67,7 +67,7 @@ class TJsonFileBed : public TBed {
 class TMongoBed : public TBed {
  public:
   explicit TMongoBed(std::uint16_t port) : port_(port), connector_(makeMongoConnector()) {
-    emptyFault = "MongoDB data source does not return documents.";
+    emptySource = "MongoDB data source does not return documents.";
   }
 
   [[nodiscard]] const TStoreConnector& connector() const override { return *connector_; }
@@ -92,8 +92,8 @@ class TCassandraBed : public TBed {
  public:
   explicit TCassandraBed(std::uint16_t port) : port_(port), connector_(makeCassandraConnector()) {
     keepsOrder = keepsKinds = hasKeys = takesAny = nests = false;
-    rangesShares = true;
-    emptyFault = "Cassandra data source CQL query does not return rows: select * from ";
+    rangesShares = overwrites = true;
+    emptySource = "Cassandra data source CQL query does not return rows: select * from ";
     strangerFault =
         "Authentication error. You must supply valid username and password to login to Cassandra database.";
   }
@@ -165,7 +165,7 @@ class THBaseBed : public TBed {
   explicit THBaseBed(std::uint16_t port) : port_(port), connector_(makeHBaseConnector()) {
     jsonQueries = hasKeys = false;
     overwrites = true;
-    emptyFault = "Unable to retrieve rows from HBase table ";
+    emptySource = "Unable to retrieve rows from HBase table ";
   }
 
   [[nodiscard]] const TStoreConnector& connector() const override { return *connector_; }

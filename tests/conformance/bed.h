@@ -43,8 +43,8 @@ class TBed {
   bool keepsOrder = true;     ///< rows are read as they were written
   bool takesAny = true;       ///< documents of any shape; otherwise _id (int) and name (text) alone
   bool rangesShares = false;  ///< shares of a source hold each row once, but not a certain number of them
-  /// How the refusal of an empty root source begins; empty: it is read as no rows.
-  std::string emptyFault;
+  std::string
+      emptySource;  ///< the error of an empty root source, the collection's name behind it; empty: none
   std::string strangerFault = "uthentication failed";  ///< part of what a stranger is told
 };
 

@@ -1,7 +1,7 @@
 // A Cassandra sink and source as a process of its own, so that a benchmark can tell its CPU time from the
 // client's. Prints its port on the first line, and what it counted at the end of standard input.
 //
-//   hm-cassandra-sink [--delay-ms T] [--rows N]
+//   hm-cassandra-sink [--until-stdin-closes] [--delay-ms T] [--rows N]
 //
 // Table bench.copies takes rows and forgets them; bench.rows has N rows of 10 columns that it never holds.
 
@@ -14,7 +14,8 @@
 int main(int argc, char** argv) {
   using namespace hollowmere::casswire;
   TCassandraStandIn server;
-  for (int i = 1; i + 1 < argc; i += 2) {
+  // It always ends with its input; the options are those of the other sinks.
+  for (int i = 1; i + 1 < argc; ++i) {
     if (std::strcmp(argv[i], "--delay-ms") == 0)
       server.setDelay(std::chrono::microseconds(static_cast<long>(std::atof(argv[i + 1]) * 1000)));
     if (std::strcmp(argv[i], "--rows") == 0) server.tables().virtualRows = std::atoll(argv[i + 1]);
