@@ -52,6 +52,8 @@ TfrmProject::TfrmProject(TWindowContext& context, TProject project, QWidget* par
   if (!editor_.project().fileName.empty()) noteFile(editor_.project().fileName);
   showCaption();
   onEdited();
+  // Who comes by keyboard begins in the grid, not on the tabs.
+  general_->setFocus();
 }
 
 TfrmProject::~TfrmProject() = default;
