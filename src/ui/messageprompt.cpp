@@ -58,8 +58,9 @@ TAnswer TMessagePrompt::ask(TPromptKind kind, const std::string& text, TButtons 
     QObject::connect(copy, &QPushButton::clicked, &box,
                      [shown] { QApplication::clipboard()->setText(shown); });
   }
-  // Escape means the answer that changes nothing.
+  // Escape means the answer that changes nothing. With a second button, the box does not see that by itself.
   if (buttons == TButtons::YesNo) box.setEscapeButton(QMessageBox::No);
+  if (buttons == TButtons::Ok) box.setEscapeButton(QMessageBox::Ok);
   return answerOf(box.exec());
 }
 

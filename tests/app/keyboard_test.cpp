@@ -3,6 +3,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QClipboard>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPlainTextEdit>
@@ -282,6 +283,19 @@ TEST_F(Keyboard, MenusAndPagesShareNoLetter) {
     EXPECT_FALSE(!letter.isEmpty() && menus.contains(letter))
         << letter.toStdString() << " of " << button->objectName().toStdString();
   }
+}
+
+TEST(KeyboardMessages, EscapeAndCopy) {
+  TMessagePrompt prompt;
+  whenDialog(QStringLiteral("messageBox"), [](QDialog& box) {
+    click(box, "bCopyMessage");
+    EXPECT_TRUE(box.isVisible()) << "copying is no answer";
+    QTest::keyClick(&box, Qt::Key_Escape);
+    EXPECT_FALSE(box.isVisible());
+    box.close();
+  });
+  EXPECT_EQ(prompt.ask(TPromptKind::Warning, "cause\rnext step", TButtons::Ok), TAnswer::Ok);
+  EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("cause\nnext step"));
 }
 
 }  // namespace
