@@ -73,6 +73,9 @@ void TListPage::beginFill(std::size_t rows) {
 }
 
 void TListPage::setCell(int row, int column, const QString& text, bool editable) {
+  // The next cell may be in edit already; an item that is made anew would take its selection away.
+  const QTableWidgetItem* old = grid_->item(row, column);
+  if (old && old->text() == text && old->flags().testFlag(Qt::ItemIsEditable) == editable) return;
   auto* item = new QTableWidgetItem(text);
   if (!editable) item->setFlags(item->flags() & ~Qt::ItemIsEditable);
   grid_->setItem(row, column, item);
