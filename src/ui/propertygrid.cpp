@@ -11,6 +11,8 @@
 #include <QToolButton>
 #include <limits>
 
+#include "ui/choicebox.h"
+
 namespace hollowmere {
 
 namespace {
@@ -113,9 +115,10 @@ class TPropertyDelegate : public QStyledItemDelegate {
   }
 
   QWidget* makeBox(QWidget* parent, const QStringList& choices) const {
-    auto* box = new QComboBox(parent);
+    auto* box = new TChoiceBox(parent);
     box->addItems(choices);
     connect(box, &QComboBox::activated, this, [this, box] {
+      if (!box->isFinal()) return;
       auto* self = const_cast<TPropertyDelegate*>(this);
       Q_EMIT self->commitData(box);
       Q_EMIT self->closeEditor(box);

@@ -20,6 +20,7 @@
 #include "jsondoc/ui/viewjson.h"
 #include "project/edittexts.h"
 #include "project/runcheck.h"
+#include "ui/choicebox.h"
 #include "ui/icons.h"
 #include "ui/placement.h"
 
@@ -47,7 +48,7 @@ class TMappingDelegate : public QStyledItemDelegate {
                         const QModelIndex& index) const override {
     if (index.column() == TargetColumn)
       return named(QStyledItemDelegate::createEditor(parent, option, index), index);
-    auto* box = new QComboBox(parent);
+    auto* box = new TChoiceBox(parent);
     if (index.column() == SourceColumn) {
       box->setEditable(true);
       box->addItems(page_.sourceChoices(pathOf(index)));
@@ -56,6 +57,7 @@ class TMappingDelegate : public QStyledItemDelegate {
     }
     auto* self = const_cast<TMappingDelegate*>(this);
     connect(box, &QComboBox::activated, this, [self, box] {
+      if (!box->isFinal()) return;
       Q_EMIT self->commitData(box);
       Q_EMIT self->closeEditor(box);
     });
