@@ -156,6 +156,21 @@ TEST_P(CassandraServer, TextsOfAllFormsAreTakenByType) {
       R"("u":"550e8400-e29b-41d4-a716-446655440000","v":-129,"yes":true})");
 }
 
+TEST_P(CassandraServer, BlobsAreTextOnlyWhereNothingIsLost) {
+  cql("create table blobs (id int primary key, b blob)");
+  const std::vector<std::string> texts{
+      "plain text", "Kr\xC3\xA4he\nzwei", "&base64;AAAA", "ends in\x1E", " blank", "\xFF"};
+  std::vector<TObject> documents;
+  for (std::size_t i = 0; i < texts.size(); ++i)
+    documents.push_back(TObject{{"id", static_cast<int>(i)}, {"b", TValue::binary(std::string(texts[i]))}});
+  write("blobs", documents);
+  for (const TObject& row : read("blobs")) {
+    const std::int64_t id = row.find("id")->asInt();
+    const std::string& text = texts[static_cast<std::size_t>(id)];
+    EXPECT_TRUE(*row.find("b") == (id < 2 ? TValue(text) : TValue::binary(std::string(text)))) << text;
+  }
+}
+
 TEST_P(CassandraServer, AnIndependentClientReadsTheSame) {
   cql(std::string(everyType) + ")");
   write("every", {everyDocument()});
