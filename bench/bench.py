@@ -2,6 +2,7 @@
 a thing and what it is held against one after the other."""
 
 import argparse
+import filecmp
 import json
 import math
 import os
@@ -13,7 +14,8 @@ import threading
 import time
 
 import rows
-from harness import (BIN, TOOLS, HBaseSink, Sink, Table, file, hbase, interrupt, load, mongo, node, path, project, run)
+from harness import (BIN, TOOLS, HBaseSink, Sink, Table, file, hbase, interrupt, load, mongo, node, path, project, run,
+                     start_server, stop_server)
 
 BENCH = os.path.dirname(os.path.abspath(__file__))
 
@@ -69,6 +71,17 @@ def json_text():
             table.add("JSON text to document, %s, speed against %s" % (what, other),
                       [theirs / own for theirs, own in zip(found[other], ours)], ("at least", bar), " x",
                       "%.0f ns a document" % statistics.median(ours))
+
+
+@measurement
+def sql_to_mongodb():
+    """SQL statements to shell commands, one thread, CPU time; the parser alone reads the same statements."""
+    found = json.loads(run(os.path.join(BIN, "hm-bench-sql"), str(ROUNDS)).out)
+    for form in ("classic", "modern"):
+        table.add("SQL to MongoDB, %s form, 10,000 statements of %.0f characters" % (form, found["length"]),
+                  found[form], ("at most", 1), " s")
+        table.add("the same against the SQL parser alone", [a / b for a, b in zip(found[form], found["parser"])],
+                  ("at most", 6), " x", "%.1f µs a statement" % (statistics.median(found[form]) * 100))
 
 
 def load_file(count, children, bulk=1000, *sink_options):
@@ -265,6 +278,45 @@ def stopping():
 
 
 @measurement
+def gridfs():
+    """A large file into GridFS and back, beside the driver's own way, on a real server."""
+    megabytes, rounds = size(1000, 100), min(3, ROUNDS)
+    with open(path("large"), "wb") as out:
+        for _ in range(megabytes):
+            out.write(os.urandom(1_000_000))
+    with open(path("small"), "wb") as out:
+        out.write(b"x")
+    port = start_server()
+    uri, address = "mongodb://127.0.0.1:%d" % port, "127.0.0.1:%d/bench" % port
+    theirs, ours = os.path.join(BIN, "hm-bench-gridfs"), (os.path.join(BIN, "hollowmere-cli"), "mongo", address)
+    ratios, notes, peaks = {"put": [], "get": []}, {"put": [], "get": []}, []
+    run(*ours, "gridfs", "put", path("small"))
+    least = run(*ours, "gridfs", "get", "small", path("back")).peak
+    for number in range(rounds):
+        walls = {}
+        for who in (("driver", "ours") if number % 2 else ("ours", "driver")):
+            if who == "driver":
+                walls[who] = (run(theirs, "put", uri, path("large"), "copy").wall,
+                              run(theirs, "get", uri, path("back"), "copy").wall)
+            else:
+                ended = [run(*ours, "gridfs", "put", path("large"), "copy"),
+                         run(*ours, "gridfs", "get", "copy", path("back"))]
+                walls[who] = tuple(each.wall for each in ended)
+                peaks.extend(each.peak for each in ended)
+            if not filecmp.cmp(path("large"), path("back"), shallow=False):
+                raise RuntimeError("the file came back changed")
+            run(*ours, "gridfs", "delete", "copy")
+        for i, way in enumerate(("put", "get")):
+            ratios[way].append(walls["driver"][i] / walls["ours"][i])
+            notes[way].append(megabytes / walls["ours"][i])
+    stop_server(port)
+    for way in ("put", "get"):
+        table.add("GridFS %s of %d MB, speed against the driver's own" % (way, megabytes), ratios[way],
+                  ("at least", 0.9), " x", "%.0f MB/s" % statistics.median(notes[way]))
+    table.add("GridFS, peak memory of %d MB over one byte" % megabytes, [max(peaks) - least], ("at most", 16), " MB")
+
+
+@measurement
 def document_viewer():
     """A document of 50 MB, a list of rows, in the document window, from its text to the first paint."""
     count = size(115_000, 23_000)
@@ -294,7 +346,83 @@ def start():
     table.add("hollowmere-cli run of one row, start to end", walls, ("at most", 0.2), " s")
 
 
+def mapped_project(nodes):
+    """A project with that many mapping nodes: groups of a hundred attributes."""
+    groups = [node("group%d" % group, "rows", "Data Source (JSON Object)",
+                   [node("attribute%d" % each, "id", "String") for each in range(99)])
+              for group in range(nodes // 100)]
+    return project(file(rows_file(100)), mongo(1), groups, name="mapped")
+
+
+@measurement
+def windows():
+    """The windows, drawn offscreen."""
+    os.environ["QT_QPA_PLATFORM"] = "offscreen"
+    bench = os.path.join(BIN, "hm-bench-windows")
+    program = os.path.join(BIN, "hollowmere")
+    starts, ratios = [], []
+    os.environ["HOLLOWMERE_END_AFTER_PAINT"] = "1"
+    for _ in range(ROUNDS + 1):
+        bare = run(bench, "bare").wall
+        starts.append(run(program).wall)
+        ratios.append(starts[-1] / bare)
+    del os.environ["HOLLOWMERE_END_AFTER_PAINT"]
+    # The first start has read the libraries from the disk.
+    table.add("hollowmere, start to the first window drawn", starts[1:], ("at most", 1.0), " s")
+    table.add("the same against an empty window", ratios[1:], ("at most", 3), " x")
+    opened, median, slowest = [], [], []
+    made = mapped_project(5000)
+    for _ in range(ROUNDS):
+        found = json.loads(run(bench, "project", made).out)
+        opened.append(found["open"])
+        median.append(statistics.median(found["edits"]) * 1000)
+        slowest.append(max(found["edits"]) * 1000)
+    table.add("a project of 5,000 mapping nodes, open and drawn", opened, ("at most", 0.5), " s")
+    table.add("an edit in it, drawn", median, ("at most", 16), " ms", "slowest %.1f ms" % max(slowest))
+    lines = size(400_000, 100_000)
+    shown, filtered, against = [], [], []
+    for _ in range(ROUNDS):
+        found = json.loads(run(bench, "log", str(lines)).out)
+        shown.append(lines / found["all"])
+        filtered.append(lines / found["filtered"])
+        against.append(found["plain"] / found["all"])
+    table.add("log lines shown a second", shown, ("at least", 100_000))
+    table.add("log lines filtered and shown a second", filtered, ("at least", 100_000))
+    table.add("the log against a plain text view that takes all", against, ("at least", 1), " x")
+
+
+def ticks_and_wakes(process):
+    """CPU ticks of a process so far, and how often its threads were woken."""
+    with open("/proc/%d/stat" % process) as stat:
+        fields = stat.read().rpartition(")")[2].split()
+    wakes = 0
+    for task in os.listdir("/proc/%d/task" % process):
+        with open("/proc/%d/task/%s/status" % (process, task)) as status:
+            wakes += int(re.search(r"^voluntary_ctxt_switches:\s*(\d+)", status.read(), re.M)[1])
+    return int(fields[11]) + int(fields[12]), wakes
+
+
+@measurement
+def idle():
+    """What the program does while nobody does anything: main window, a project, the connection list."""
+    os.environ["QT_QPA_PLATFORM"] = "offscreen"
+    with open(os.environ["HOLLOWMERE_SETTINGS"], "a") as settings:
+        settings.write("[General]\nshowConnWindow=true\n")
+    process = subprocess.Popen([os.path.join(BIN, "hollowmere"), mapped_project(100)])
+    try:
+        time.sleep(8)  # the notices come after six seconds
+        ticks, wakes = ticks_and_wakes(process.pid)
+        time.sleep(5)
+        ticks_then, wakes_then = ticks_and_wakes(process.pid)
+    finally:
+        process.terminate()
+        process.wait()
+    table.add("CPU ticks of the idle program in 5 s", [ticks_then - ticks], ("at most", 0))
+    table.add("wake-ups of the idle program in 5 s", [wakes_then - wakes], ("at most", 5))
+
 HBASE = [node("rowkey", "number", "String")] + [node("cf:" + name, name, "String") for name, _ in rows.FIELDS]
+
+HBASE_COPY = [node(one["target"], one["target"], "String") for one in HBASE]
 
 
 def load_into_hbase(count, bulk, *sink_options):
@@ -332,7 +460,7 @@ def hbase_threads():
         for degree in speeds:
             count = each * degree
             with HBaseSink("--source", count, "--delay-ms", 1) as source, HBaseSink("--delay-ms", 1) as sink:
-                loaded = load(project(hbase(source.port), hbase(sink.port), (), bulk, degree), count)
+                loaded = load(project(hbase(source.port), hbase(sink.port), HBASE_COPY, bulk, degree), count)
             speeds[degree].append(count / loaded.result["seconds"])
     for degree in (2, 4, 8):
         table.add("HBase, 1 ms an answer, batches of 10, %d threads" % degree,
@@ -345,7 +473,7 @@ def hbase_memory():
 
     def copied(count):
         with HBaseSink("--source", count) as source, HBaseSink() as sink:
-            return load(project(hbase(source.port), hbase(sink.port), (), 1000), count).peak
+            return load(project(hbase(source.port), hbase(sink.port), HBASE_COPY, 1000), count).peak
 
     peaks = copied(few), copied(many)
     table.add("HBase to HBase, peak memory of %s rows over %s" % (format(many, ","), format(few, ",")),
@@ -368,6 +496,11 @@ def hbase_server():
         own = load(project(file(rows_file(count)), hbase(int(port)), HBASE, bulk), count).wall
         ratios.append(peer / own)
         speeds.append((count / own, count / peer))
+    alone = count // 50
+    single = load(project(file(rows_file(alone)), hbase(int(port)), HBASE, 0), alone).result["seconds"] / alone
+    many = load(project(file(rows_file(count)), hbase(int(port)), HBASE, 100), count).result["seconds"] / count
+    table.add("a real HBase, batches of 100 against single rows", [single / many], ("at least", 20), " x",
+              "%s against %s" % (a_second(1, many), a_second(1, single)))
     table.add("file to a real HBase, speed against happybase", ratios, ("at least", 2), " x",
               "%s against %s" % tuple(a_second(statistics.median(s[i] for s in speeds), 1) for i in (0, 1)))
     subprocess.run([server, "stop", port], stdout=subprocess.DEVNULL)

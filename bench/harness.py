@@ -89,6 +89,20 @@ def hbase(port):
     return "HBase", {"dbtype": "HBase", "host": "127.0.0.1", "port": port, "infoport": 0, "encoding": "Default"}
 
 
+SERVER = os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "tests", "servers", "mongodb")
+
+
+def start_server():
+    """A real MongoDB server with an empty data folder; gives its port. It ends with this program at the latest."""
+    said = subprocess.run([SERVER, "start", "--port", "0", "--parent", str(os.getpid())], check=True,
+                          stdout=subprocess.PIPE).stdout.decode()
+    return int(re.search(r"127\.0\.0\.1:(\d+)", said)[1])
+
+
+def stop_server(port):
+    subprocess.run([SERVER, "stop", str(port)], check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+
 def mongo(port):
     return "MongoDB", {"host": "127.0.0.1", "port": port, "database": "bench", "user": "", "password": ""}
 

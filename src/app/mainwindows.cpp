@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QSettings>
 #include <QTimer>
+#include <QTranslator>
 #include <QUrl>
 #include <exception>
 #include <functional>
@@ -52,6 +53,14 @@ class TEndAfterPaint : public QObject {
   }
 };
 
+/// Another language than English is asked for in the settings store, as "de" in Ui/language.
+void takeLanguage(QTranslator& translator, const QSettings& store) {
+  const QString language = store.value(QStringLiteral("Ui/language")).toString();
+  const QString folder = QCoreApplication::applicationDirPath() + QStringLiteral("/translations");
+  if (!language.isEmpty() && translator.load(QStringLiteral("hollowmere_") + language, folder))
+    QCoreApplication::installTranslator(&translator);
+}
+
 void openOutside(const QString& target) {
   QDesktopServices::openUrl(QFileInfo::exists(target) ? QUrl::fromLocalFile(target) : QUrl(target));
 }
@@ -65,6 +74,8 @@ int runWindows(int argc, char** argv, const std::string& projectFile) {
   try {
     TProgram program(prompt);
     const auto store = openSettingsStore();
+    QTranslator translator;
+    takeLanguage(translator, *store);
     TQtMainThread mainThread;
     TWindowContext context{program.settings, *store,        program.folder, program.stores,
                            program.cipher,   program.files, program.clock,  program.dates,

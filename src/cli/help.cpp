@@ -80,7 +80,7 @@ one; or a file with a connection record as JSON text ("-": standard input). Resu
   stats [COLLECTION]             of the database, or of a collection
   find COLLECTION [FILTER]       documents; --sort, --projection: JSON; --skip, -n: numbers; --read: preference
   command JSON                   a database command
-  run COMMAND                    in MongoDB's shell; "-": the command comes from standard input; --page N: the
+  run COMMAND                    of MongoDB's shell, or SQL; "-": the command comes from standard input; --page N: the
                                  further pages, from 0; --shell: the program, else that of the settings
   copy COLLECTION CONNECTION [COLLECTION]   to another server, or under another name
   gridfs list [PATTERN]          files, those whose name matches a regular expression

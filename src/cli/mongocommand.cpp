@@ -1,17 +1,18 @@
 #include "cli/mongocommand.h"
 
+#include <algorithm>
 #include <charconv>
 #include <chrono>
 #include <iostream>
 #include <iterator>
 #include <map>
-#include <mutex>
 
 #include "app/consolerun.h"
 #include "cli/mongocall.h"
 #include "connectors/mongodb/mongoadmin.h"
 #include "connectors/mongodb/mongocopy.h"
 #include "connectors/mongodb/shellrunner.h"
+#include "connectors/mongodb/sqlform.h"
 #include "json/json.h"
 #include "settings/connectionlist.h"
 
@@ -142,6 +143,14 @@ int runCommand(const TMongoCall& call) {
   return 0;
 }
 
+/// A SQL statement as the shell's command for the server at hand.
+std::string translated(const TMongoCall& call, const std::string& sql) {
+  const std::string version = TMongoAdmin(call.options()).serverVersion();
+  const TSqlToMongo made = SqlToMongo(sql, sqlFormFor(version, TSqlFormChoice::ByServer));
+  if (!made.translated()) throw TStoreError(TStoreErrorKind::Unsupported, made.message);
+  return made.shellText;
+}
+
 int runShell(const TMongoCall& call) {
   TShellSettings settings;
   settings.program = call.option("--shell", call.program.settings.mongoDBshellExe);
@@ -154,6 +163,7 @@ int runShell(const TMongoCall& call) {
   command.database = call.database;
   command.command = call.argument(0, "COMMAND");
   if (command.command == "-") command.command = readAll(call.streams.in);
+  if (isSqlStatement(command.command)) command.command = translated(call, command.command);
   command.pageSize = call.program.settings.fetchSize;
   command.page = call.number("--page", 0);
   const TShellResult result = TShellRunner(settings, call.program.dates).run(toJson(call.record), command);
@@ -259,9 +269,11 @@ int mongoCommand(const TCommandLine& line, const TCliStreams& streams, TPrompt& 
   } catch (const TUsageError&) {
     throw;
   } catch (const std::exception& error) {
-    if (!stop.flag()->isSet()) throw;
-    streams.err << "hollowmere-cli: " << error.what() << '\n';
-    return stoppedBySignal;
+    // A terminal would write the second line over the first.
+    std::string text = error.what();
+    std::replace(text.begin(), text.end(), '\r', '\n');
+    prompt.error(text);
+    return stop.flag()->isSet() ? stoppedBySignal : 1;
   }
 }
 

@@ -236,14 +236,17 @@ class TShellText {
   }
 
   void regex() {
+    // No pattern is longer than a server allows.
+    constexpr std::size_t longest = 40'000;
+    const std::size_t most = std::min(text_.size(), at_ + longest);
     std::size_t end = at_ + 1;
-    for (bool inClass = false; end < text_.size() && text_[end] != '\n'; ++end) {
+    for (bool inClass = false; end < most && text_[end] != '\n'; ++end) {
       if (text_[end] == '/' && !inClass) break;
       if (text_[end] == '[') inClass = true;
       if (text_[end] == ']') inClass = false;
       if (text_[end] == '\\') ++end;
     }
-    if (end >= text_.size() || text_[end] != '/') return copyTo(at_ + 1, false);
+    if (end >= most || text_[end] != '/') return copyTo(at_ + 1, false);
     ++end;
     while (end < text_.size() && isWordByte(text_[end])) ++end;
     put(quoted(std::string(text_.substr(at_, end - at_))), end);

@@ -51,9 +51,9 @@ class TObject {
   TObject(std::initializer_list<TMember> members);
 
   [[nodiscard]] bool empty() const { return members_.empty(); }
-  [[nodiscard]] std::size_t size() const { return members_.size(); }
+  [[nodiscard]] std::size_t size() const;
   void reserve(std::size_t count);
-  void clear() { members_.clear(); }
+  void clear();
 
   iterator begin() { return members_.begin(); }
   iterator end() { return members_.end(); }
@@ -76,8 +76,8 @@ class TObject {
   /// Removes the first member of that name; the others keep their order. False when there was none.
   bool remove(std::string_view name);
   /// Removes that member; gives the one after it.
-  iterator erase(const_iterator at) { return members_.erase(at); }
-  iterator erase(const_iterator from, const_iterator to) { return members_.erase(from, to); }
+  iterator erase(const_iterator at);
+  iterator erase(const_iterator from, const_iterator to);
 
   bool operator==(const TObject& other) const;
 
@@ -105,7 +105,7 @@ class TValue {
   TValue(std::string_view value) : TValue(std::string(value)) {}
   TValue(const char* value) : TValue(std::string(value)) {}
   TValue(TList value) noexcept : kind_(TKind::List), list_(std::move(value)) {}
-  TValue(TObject value) noexcept : kind_(TKind::Object), object_(std::move(value)) {}
+  TValue(TObject value) noexcept;
   TValue(const TObjectId& value) noexcept : kind_(TKind::ObjectId), objectId_(value) {}
   TValue(const TValue& other);
   TValue(TValue&& other) noexcept { moveFrom(other); }
@@ -225,6 +225,14 @@ struct TMember {
   bool operator==(const TMember&) const = default;
 };
 
+// Behind TMember, which not every compiler lets a list of it be used before.
+inline std::size_t TObject::size() const { return members_.size(); }
+inline void TObject::clear() { members_.clear(); }
+inline TObject::iterator TObject::erase(const_iterator at) { return members_.erase(at); }
+inline TObject::iterator TObject::erase(const_iterator from, const_iterator to) {
+  return members_.erase(from, to);
+}
+inline TValue::TValue(TObject value) noexcept : kind_(TKind::Object), object_(std::move(value)) {}
 inline void TObject::reserve(std::size_t count) { members_.reserve(count); }
 
 inline TValue& TObject::add(std::string_view name, TValue value) {

@@ -1,6 +1,7 @@
 #include "sqlmongo/sqltokens.h"
 
 #include <algorithm>
+#include <array>
 
 #include "json/value.h"
 
@@ -13,6 +14,14 @@ constexpr std::string_view quotes = "'\"`";
 constexpr std::string_view marks = "(),*;=<>";
 
 bool oneOf(char c, std::string_view set) { return set.find(c) != std::string_view::npos; }
+
+/// The bytes that end a word.
+constexpr std::array<bool, 256> wordEnds = [] {
+  std::array<bool, 256> ends{};
+  for (const std::string_view set : {blanks, quotes, marks})
+    for (const char c : set) ends[static_cast<unsigned char>(c)] = true;
+  return ends;
+}();
 
 class TTokenizer {
  public:
@@ -68,8 +77,8 @@ class TTokenizer {
 
   void word() {
     std::size_t end = at_ + 1;
-    while (end < sql_.size() && !oneOf(sql_[end], blanks) && !oneOf(sql_[end], quotes) &&
-           !oneOf(sql_[end], marks) && sql_.substr(end, 2) != "!=")
+    while (end < sql_.size() && !wordEnds[static_cast<unsigned char>(sql_[end])] &&
+           !(sql_[end] == '!' && sql_.substr(end, 2) == "!="))
       ++end;
     add(TSqlTokenKind::Word, sql_.substr(at_, end - at_), end);
   }

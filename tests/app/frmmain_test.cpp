@@ -48,6 +48,13 @@ class MainWindow : public ::testing::Test, protected TWindowWorld {
     return QString::fromStdString(file);
   }
 
+  static void dropOn(TfrmMain& window, const QMimeData& data) {
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&window, &enter);
+    QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&window, &drop);
+  }
+
   static void trigger(TfrmMain& window, const char* action) { child<QAction>(window, action).trigger(); }
 };
 
@@ -119,11 +126,49 @@ TEST_F(MainWindow, WhatIsNoProjectOpensNothing) {
   prompt.expect(TPromptKind::Error, "Invalid project file.");
   QMimeData data;
   data.setUrls({QUrl::fromLocalFile(QString::fromStdString(temp.file("bad.hmp")))});
-  QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-  QCoreApplication::sendEvent(&window, &enter);
-  QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-  QCoreApplication::sendEvent(&window, &drop);
+  dropOn(window, data);
   EXPECT_TRUE(window.childWindows().isEmpty());
+}
+
+TEST_F(MainWindow, DroppedProjectsOpen) {
+  QMimeData data;
+  data.setUrls({QUrl::fromLocalFile(savedProject("one")), QUrl::fromLocalFile(savedProject("other")),
+                QUrl(QStringLiteral("https://example.com/project.hmp"))});
+  TfrmMain window(context);
+  window.show();
+  dropOn(window, data);
+  EXPECT_EQ(window.childWindows().size(), 2) << "files of this machine only";
+  EXPECT_TRUE(window.close());
+}
+
+TEST_F(MainWindow, ADroppedDocumentIsShownByItsForm) {
+  const auto dropped = [&](const char* name, const char* text) {
+    writeBytes(temp.file(name), text);
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(QString::fromStdString(temp.file(name)))});
+    TfrmMain window(context);
+    window.show();
+    QString shown;
+    whenDialog({}, [&](QDialog& dialog) {
+      shown = dialog.objectName();
+      dialog.reject();
+    });
+    dropOn(window, data);
+    return shown;
+  };
+  EXPECT_EQ(dropped("one.json", "{\n \"a\": 1\n}"), "frmViewJSON");
+  EXPECT_EQ(dropped("list.json", "\xEF\xBB\xBF [{\"a\": 1}, {\"a\": 2}]"), "frmJSON");
+  EXPECT_EQ(dropped("lines.txt", "{\"a\": 1}\n{\"a\": 2}\n"), "frmJSON");
+}
+
+TEST_F(MainWindow, EndsAlsoWhenItsSettingsCannotBeWritten) {
+  QSettings nowhere(QStringLiteral("/proc/none/settings.ini"), QSettings::IniFormat);
+  TWindowContext lost{settings, nowhere, folder, stores, cipher, files, clock, dates, prompt, mainThread, {}};
+  TfrmMain window(lost);
+  window.show();
+  prompt.expect(TPromptKind::Error,
+                R"(Unable to write to the registry key \Software\TamsburySoftware\Hollowmere\)");
+  EXPECT_TRUE(window.close());
 }
 
 TEST_F(MainWindow, ThirtyWindowsOpenAndClose) {

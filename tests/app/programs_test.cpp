@@ -211,6 +211,19 @@ TEST_F(Programs, KnowsItsCommandLine) {
   }
 }
 
+TEST_F(Programs, SqlBecomesShellText) {
+  const TEnd classic = cli({"sql2mongo"}, "select a from t\r\nwhere b = 'x' limit 10, 20");
+  EXPECT_EQ(classic.out, "db.t.find( \r{\"b\":\"x\"},\r{\"a\":1,\"_id\":0}\r).limit(10).skip(20);\n");
+  EXPECT_EQ(classic.code, 0);
+  EXPECT_EQ(cli({"sql2mongo", "--modern"}, "delete from t").out, "db.t.deleteMany({});\n");
+  const TEnd refused = cli({"sql2mongo"}, "select a from t where (a = 1");
+  EXPECT_EQ(refused.out, "");
+  EXPECT_EQ(refused.err, "Invalid WHERE clause.\n");
+  EXPECT_EQ(refused.code, 1);
+  EXPECT_EQ(cli({"sql2mongo", "--modern"}, "delete from t\nlimit 5").err,
+            "line 2, column 7: LIMIT cannot stand in a DELETE\n");
+}
+
 TEST_F(Programs, ASignalStopsARunAgainstASilentServer) {
   project.skipCount = true;
   seal();

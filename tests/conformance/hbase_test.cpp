@@ -451,6 +451,12 @@ TEST(HBaseFilterText, FindsWhatAServerRefuses) {
     EXPECT_EQ(filterFault(bad), fault) << bad;
 }
 
+TEST(HBaseFilterText, BearsAnyDepth) {
+  const std::string open(100'000, '(');
+  EXPECT_EQ(filterFault(open + "KeyOnlyFilter()" + std::string(100'000, ')')),
+            "The filter stands too deep in others at character 201.");
+}
+
 TEST(HBaseFilterText, LimitsTheKeysToBeLookedAt) {
   const auto limits = [](const char* text) {
     const THBaseKeyLimits found = keyLimits(parseHBaseFilter(text));

@@ -236,12 +236,10 @@ TEST_F(HBaseFaults, ASilentServerIsLeft) {
 
 TEST_F(HBaseFaults, StopDoesNotWaitForASilentServer) {
   fillRows();
-  for (const char* method : {"scannerGetList", "getTableNames"})
-    server->server().onCall(method, TWireServer::every, TFault::silence);
-  server->server().onCall("mutateRows", TWireServer::every, TFault::silence);
-  server->server().clearFaults();
   const auto to = writer(10);
-  server->server().onCall("mutateRows", TWireServer::every, TFault::silence);
+  const auto from = connector->connectSource(options());
+  for (const char* method : {"mutateRows", "scannerGetList"})
+    server->server().onCall(method, TWireServer::every, TFault::silence);
   std::jthread stopper([this] {
     std::this_thread::sleep_for(milliseconds(100));
     stop.set();
@@ -250,6 +248,7 @@ TEST_F(HBaseFaults, StopDoesNotWaitForASilentServer) {
   write(*to, 1, 25);
   EXPECT_EQ(sink.storedCount, 0);
   EXPECT_EQ(sink.refusals.size(), 25U);
+  EXPECT_NE(faultOf(TStoreErrorKind::DataSource, [&] { from->openRoot(hbaseSource("in"), {}); }), "");
   EXPECT_LT(since(start), milliseconds(2500));
 }
 

@@ -8,9 +8,14 @@
 #include <vector>
 
 #include "connectors/datetimetext.h"
+#include "connectors/hbase/hbasefiltertext.h"
+#include "connectors/hbase/hbasequery.h"
 #include "connectors/jsonfile/linereader.h"
 #include "connectors/jsonquery.h"
 #include "connectors/mongodb/bsonvalue.h"
+#include "connectors/mongodb/extendedjson.h"
+#include "connectors/mongodb/shelloutput.h"
+#include "connectors/mongodb/shellstatements.h"
 #include "connectors/nosqlcommon.h"
 #include "connectors/storeerror.h"
 #include "engine/xmltojson.h"
@@ -116,7 +121,36 @@ void sql(std::string_view bytes) {
   }
 }
 
-void filter(std::string_view bytes) { NormalizeHBaseFilter(bytes); }
+void shellOutput(std::string_view bytes) { readShellOutput(bytes, dates()); }
+
+void statements(std::string_view bytes) {
+  std::size_t length = 0;
+  for (const TShellStatement& each : splitStatements(bytes)) length += each.text.size();
+  REQUIRE(length <= bytes.size());
+}
+
+void extendedJson(std::string_view bytes) {
+  try {
+    fromExtendedJson(parseJson(bytes));
+  } catch (const TJsonError&) {
+    return;
+  }
+}
+
+/// A filter is read or refused, and no value of a parameter can end the text that it stands in.
+void filter(std::string_view bytes) {
+  try {
+    parseHBaseFilter(NormalizeHBaseFilter(bytes));
+  } catch (const THBaseFilterError&) {
+  }
+  const std::string value(bytes);
+  const TObject parent{{"v", TValue::binary(value)}};
+  const THBaseFilter bound =
+      parseHBaseFilter(bindHBaseFilter("PrefixFilter(:v) AND RowFilter(=, 'binary::v')", parent));
+  REQUIRE(bound.parts.size() == 2);
+  REQUIRE(bound.parts[0].arguments[0].text == value);
+  REQUIRE(bound.parts[1].arguments[1].text == "binary:" + value);
+}
 
 void cassandra(std::string_view bytes) {
   const std::size_t zero = std::min(bytes.find('|'), bytes.size());
@@ -189,6 +223,14 @@ constexpr std::array table{
     TTarget{"shell", shell,
             R"({ "a" : NumberLong("5"), "d" : ISODate("2020-01-02T03:04:05Z"), "n" : NaN })"sv},
     TTarget{"sql", sql, sqlSeed},
+    TTarget{
+        "shelloutput", shellOutput,
+        "switched to db x\n{ \"a\" : 1 }\nType \"it\" for more\nError: error: { \"code\" : 13, \"errmsg\" : \"x\" }"sv},
+    TTarget{"statements", statements,
+            "use x; db.c.find({a: /b;/i})\n  .sort() // d\nvar e = `f`\nshow dbs"sv},
+    TTarget{
+        "extendedjson", extendedJson,
+        R"({"a":{"$oid":"0123456789abcdef01234567"},"b":{"$date":{"$numberLong":"5"}},"c":{"$binary":{"base64":"AAE=","subType":"00"}},"d":{"$timestamp":{"t":1,"i":2}}})"sv},
     TTarget{"filter", filter, "SingleColumnValueFilter('f','c',=,'binary:a and b') and PageFilter(5)"sv},
     TTarget{"cassandra", cassandra, "map<text,list<int>>|\0\1\0\1a\0\6\0\1\0\4\0\0\0\5"sv},
     TTarget{"xml", xml, "<a x='1'><b>t</b><b/><![CDATA[c]]>&amp;</a>"sv},

@@ -16,17 +16,20 @@
 #include <cstdio>
 #include <thread>
 
+#include "app/ui/frmhelp.h"
 #include "app/ui/frmmain.h"
 #include "connectors/jsonfile/jsonfileconnector.h"
 #include "connectors/storeerror.h"
 #include "json/json.h"
 #include "jsondoc/ui/frmviewjson.h"
+#include "project/runtexts.h"
 #include "project/ui/datasourcedialog.h"
 #include "project/ui/frmproject.h"
 #include "settings/ui/exportdialogs.h"
 #include "settings/ui/frmconnlist.h"
 #include "settings/ui/frmdbconfig.h"
 #include "settings/ui/frmoption.h"
+#include "support/toystore.h"
 #include "support/windowworld.h"
 #include "ui/codeeditor.h"
 #include "ui/propertygrid.h"
@@ -46,6 +49,8 @@ class TPictures {
     exportDialogs();
     documentViewer();
     project();
+    mappingFaults();
+    runningLoad();
     mainWindow();
   }
 
@@ -214,6 +219,47 @@ class TPictures {
     save(dialog, QStringLiteral("datasourcedialog"));
   }
 
+  void mappingFaults() {
+    TProject faulty = sampleProject();
+    faulty.mapping[0].children[2] = {"paid", "city", "Number", {}};
+    TfrmProject window(world_.context, faulty);
+    window.resize(1200, 700);
+    window.findChild<QTabWidget*>(QStringLiteral("pages"))->setCurrentIndex(3);
+    window.show();
+    wait(1500);
+    save(window, QStringLiteral("mapping_faults"));
+  }
+
+  /// A load on three threads, some of its rows lost.
+  void runningLoad() {
+    const auto toy = std::make_shared<TToyServer>();
+    toy->fillNumbered("people", 3000);
+    toy->faults.unreadableRows = {7};
+    toy->faults.refusedDocuments = {20, 21, 22};
+    toy->faults.pauseMilliseconds = 2;
+    world_.stores.add(makeToyConnector(toy));
+    TProject project = newProject(world_.settings, world_.folder);
+    project.projectName = "People";
+    project.degree = 3;
+    project.source = project.target = {"Toy", TObject{{"dbtype", "Toy"}}};
+    project.dataSources.push_back(toySource("people", "people"));
+    project.dataTargets.push_back({"copies", "copies", ""});
+    project.mapping.push_back({"copies",
+                               "people",
+                               "Data Source (JSON List)",
+                               {{"_id", "_id", "Number", {}}, {"n", "name", "String", {}}}});
+    TfrmProject window(world_.context, project);
+    window.resize(1200, 700);
+    window.show();
+    world_.prompt.expect(TPromptKind::Confirmation, runtexts::confirmStart, TAnswer::Yes);
+    window.actStartExecute();
+    wait(1000);
+    save(window, QStringLiteral("run_running"));
+    world_.prompt.expect(TPromptKind::Confirmation, runtexts::confirmStop, TAnswer::Yes);
+    window.actStopExecute();
+    while (window.run()->busy()) wait(50);
+  }
+
   void mainWindow() {
     TProject sample = sampleProject();
     const std::string file = world_.temp.file("orders.hmp");
@@ -225,6 +271,8 @@ class TPictures {
     window.openConnectionList();
     window.openProject(QString::fromStdString(file));
     save(window, QStringLiteral("frmmain"));
+    window.showHelp(QStringLiteral("mapping"));
+    save(*window.findChild<TfrmHelp*>(), QStringLiteral("frmhelp"));
   }
 
   QDir folder_;

@@ -185,6 +185,21 @@ TEST_F(ProjectWindow, AFailingRowIsShownWhereItIs) {
   EXPECT_TRUE(root->child(1)->toolTip(1).startsWith("Row 1: Unable to convert the value of \"name\""));
 }
 
+TEST_F(ProjectWindow, ASourceThatBreaksIsToldAtItsRoot) {
+  toy->faults.cursorBreaksAt = 23;  // the third row of the preview
+  TProject project = started();
+  project.dataTargets.push_back({"t", "t", ""});
+  project.mapping.push_back({"t", "People", "Data Source (JSON List)", {{"n", "name", "String", {}}}});
+  TfrmProject window(context, project);
+  window.show();
+  showPage(window, 3);
+  const QTreeWidgetItem* root = child<QTreeWidget>(window, "tlMapping").topLevelItem(0);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !root->toolTip(0).isEmpty(); }));
+  EXPECT_EQ(root->toolTip(0), "The toy cursor broke.");
+  EXPECT_TRUE(documentText(window).contains("row 1")) << "what was read before is shown";
+  EXPECT_TRUE(child<QLabel>(window, "lPreviewRow").text().endsWith(" 2"));
+}
+
 TEST_F(ProjectWindow, WhatIsWrongWithAMappingStandsAtItsNode) {
   TProject project = started();
   project.mapping.push_back({"gone",

@@ -160,7 +160,8 @@ class TToyWriter : public TTargetWriter {
 
 class TToyConnector : public TStoreConnector {
  public:
-  explicit TToyConnector(TServerPtr server) : server_(std::move(server)) {}
+  TToyConnector(TServerPtr server, std::string dbType)
+      : dbType_(std::move(dbType)), server_(std::move(server)) {}
 
   [[nodiscard]] const std::string& dbType() const override { return dbType_; }
   [[nodiscard]] const TStoreTraits& traits() const override { return server_->traits; }
@@ -185,7 +186,7 @@ class TToyConnector : public TStoreConnector {
   }
 
  private:
-  std::string dbType_ = "Toy";
+  std::string dbType_;
   TServerPtr server_;
 };
 
@@ -225,8 +226,8 @@ void TToyServer::connect(const TStoreOptions& options) {
     throw TStoreError(TStoreErrorKind::Connect, "Unable to reach the toy.", "Authentication failed.");
 }
 
-std::unique_ptr<TStoreConnector> makeToyConnector(std::shared_ptr<TToyServer> server) {
-  return std::make_unique<TToyConnector>(std::move(server));
+std::unique_ptr<TStoreConnector> makeToyConnector(std::shared_ptr<TToyServer> server, std::string dbType) {
+  return std::make_unique<TToyConnector>(std::move(server), std::move(dbType));
 }
 
 TDataSource toySource(const std::string& name, const std::string& collection, const std::string& query) {

@@ -49,9 +49,10 @@ class TToyServer {
   int connections_ = 0;
 };
 
-/// The store "Toy". Sources are {"collection": ..., "query": filter of equal fields, perhaps with
-/// parameters}.
-std::unique_ptr<TStoreConnector> makeToyConnector(std::shared_ptr<TToyServer> server);
+/// The store "Toy", or of another name. Sources are {"collection": ..., "query": filter of equal fields,
+/// perhaps with parameters}.
+std::unique_ptr<TStoreConnector> makeToyConnector(std::shared_ptr<TToyServer> server,
+                                                  std::string dbType = "Toy");
 
 TDataSource toySource(const std::string& name, const std::string& collection, const std::string& query = {});
 

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
+#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QKeyEvent>
@@ -21,6 +22,9 @@
 #include "app/ui/editactions.h"
 #include "app/ui/frmhelp.h"
 #include "app/ui/startup.h"
+#include "jsondoc/ui/viewjson.h"
+#include "jsongrid/documentlist.h"
+#include "jsongrid/ui/jsonwindow.h"
 #include "project/recentprojects.h"
 #include "project/ui/frmproject.h"
 #include "settings/ui/frmconnlist.h"
@@ -41,6 +45,28 @@ const QString& placementGroup() {
 
 TMdiChild* childOf(const QMdiSubWindow* window) {
   return window ? qobject_cast<TMdiChild*>(window->widget()) : nullptr;
+}
+
+/// Whether a file holds JSON text. A project file is enciphered: none begins like that.
+bool beginsAsJson(const QString& fileName) {
+  QFile file(fileName);
+  if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly)) return false;
+  QByteArray head = file.read(1024).trimmed();
+  if (head.startsWith("\xEF\xBB\xBF")) head = head.mid(3).trimmed();
+  return head.startsWith('{') || head.startsWith('[');
+}
+
+/// A file too large to be looked at twice counts as several.
+bool holdsOneDocument(const QString& fileName) {
+  constexpr qint64 mostBytes = 16 * 1024 * 1024;
+  if (QFileInfo(fileName).size() > mostBytes) return false;
+  try {
+    TDocumentForm form = TDocumentForm::List;
+    static_cast<void>(readDocuments(fileName.toStdString(), nullptr, &form));
+    return form == TDocumentForm::One;
+  } catch (const std::exception&) {
+    return false;
+  }
 }
 
 /// One name for one file, also where links lead to it.
@@ -126,6 +152,7 @@ void TfrmMain::makeFileMenu() {
       makeAction("actNewProject", text("New Project"), "document-new", QKeySequence(tr("Ctrl+N")));
   QAction* open =
       makeAction("actOpenProject", text("Open Project"), "document-open", QKeySequence(tr("Ctrl+O")));
+  QAction* document = makeAction("actOpenDocument", tr("Open JSON Document"), "", {});
   QAction* migrate = makeAction("actOraToJSON", text("Create Migration Project from Oracle Schema"), "", {});
   QAction* list = makeAction("actConnList", text("Configure Database Connections"), "network-server", {});
   // The same keys twice would do nothing at all: opening keeps Ctrl+O, the options have Shift besides.
@@ -141,6 +168,8 @@ void TfrmMain::makeFileMenu() {
   menu->addMenu(recent_);
   menu->addAction(migrate);
   menu->addSeparator();
+  menu->addAction(document);
+  menu->addSeparator();
   menu->addAction(list);
   menu->addAction(option);
   menu->addSeparator();
@@ -150,6 +179,7 @@ void TfrmMain::makeFileMenu() {
   for (QAction* action : {create, open, list, option}) toolBar_->addAction(action);
   connect(create, &QAction::triggered, this, &TfrmMain::newProject);
   connect(open, &QAction::triggered, this, &TfrmMain::chooseProject);
+  connect(document, &QAction::triggered, this, &TfrmMain::chooseDocument);
   connect(migrate, &QAction::triggered, this, &TfrmMain::openMigration);
   connect(list, &QAction::triggered, this, &TfrmMain::openConnectionList);
   connect(option, &QAction::triggered, this, &TfrmMain::showOptions);
@@ -295,6 +325,27 @@ void TfrmMain::chooseProject() {
   if (!name.isEmpty()) openProject(name);
 }
 
+void TfrmMain::chooseDocument() {
+  const QString name = QFileDialog::getOpenFileName(this, tr("Open JSON Document"), QString(),
+                                                    tr("JSON documents (*.json *.jsonl);;All files (*)"));
+  if (!name.isEmpty()) openDocument(name);
+}
+
+/// One document in the viewer; several, and what is none, in the grid, which tells what is wrong.
+void TfrmMain::openDocument(const QString& fileName) {
+  if (holdsOneDocument(fileName))
+    viewJsonFile(context_, this, fileName);
+  else
+    editJsonFile(context_, this, fileName);
+}
+
+void TfrmMain::openFile(const QString& fileName) {
+  if (beginsAsJson(fileName))
+    openDocument(fileName);
+  else
+    openProject(fileName);
+}
+
 void TfrmMain::fillRecent() {
   recent_->clear();
   try {
@@ -367,11 +418,11 @@ TBrowserWindow* TfrmMain::openDBWindow(const ConnectionConfig& connection) {
   const std::string type = dbTypeOf(connection);
   const TBrowserFactory* factory = context_.browsers.find(type);
   if (!factory) {
-    context_.prompt.ask(TPromptKind::Information,
-                        "There is no browser window for " + (type.empty() ? "this type of" : type) +
-                            " databases in this version yet. Connections of this type can be used in load "
-                            "projects where the store is supported.",
-                        TButtons::Ok);
+    const QString name = type.empty() ? tr("this type of") : QString::fromStdString(type);
+    inform(
+        tr("There is no browser window for %1 databases in this version yet. Connections of this type can be "
+           "used in load projects where the store is supported.")
+            .arg(name));
     return nullptr;
   }
   TBrowserWindow* window = nullptr;
@@ -393,12 +444,14 @@ TBrowserWindow* TfrmMain::openDBWindow(const ConnectionConfig& connection) {
 }
 
 void TfrmMain::openMigration() {
-  const bool reachable = context_.stores.find(dbtype::oracle) != nullptr;
-  context_.prompt.ask(TPromptKind::Information,
-                      reachable ? "This build has no assistant for migration projects yet."
-                                : "This build has no Oracle connector: a migration project cannot be created "
-                                  "from an Oracle schema.",
-                      TButtons::Ok);
+  inform(context_.stores.find(dbtype::oracle)
+             ? tr("This build has no assistant for migration projects yet.")
+             : tr("This build has no Oracle connector: a migration project cannot be created from an Oracle "
+                  "schema."));
+}
+
+void TfrmMain::inform(const QString& message) {
+  context_.prompt.ask(TPromptKind::Information, message.toStdString(), TButtons::Ok);
 }
 
 /// The page of what has the focus, else of the child window in front.
@@ -435,7 +488,7 @@ bool TfrmMain::eventFilter(QObject* watched, QEvent* event) {
 
 void TfrmMain::openAddress(const std::string& address, const char* subject, const char* key) {
   if (address.empty())
-    context_.prompt.ask(TPromptKind::Information, noAddressText(subject, key), TButtons::Ok);
+    inform(QString::fromStdString(noAddressText(subject, key)));
   else
     context_.openOutside(QString::fromStdString(address));
 }
@@ -485,7 +538,7 @@ void TfrmMain::dragEnterEvent(QDragEnterEvent* event) {
 
 void TfrmMain::dropEvent(QDropEvent* event) {
   for (const QUrl& url : event->mimeData()->urls())
-    if (url.isLocalFile()) openProject(url.toLocalFile());
+    if (url.isLocalFile()) openFile(url.toLocalFile());
 }
 
 }  // namespace hollowmere

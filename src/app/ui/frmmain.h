@@ -65,9 +65,13 @@ class TfrmMain : public QMainWindow {
   void fillRecent();
   void rememberRecent(const QString& fileName);
   void chooseProject();
+  void chooseDocument();
+  void openDocument(const QString& fileName);
+  void openFile(const QString& fileName);
   void showOptions();
   void showAbout();
   void openMigration();
+  void inform(const QString& message);
   void openAddress(const std::string& address, const char* subject, const char* key);
   [[nodiscard]] QString currentTopic() const;
   void onActivated(QMdiSubWindow* window);

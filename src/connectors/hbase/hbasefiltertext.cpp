@@ -46,6 +46,20 @@ bool isNumber(std::string_view text) {
   return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
+constexpr int deepest = 200;
+
+/// Counts how deep expressions stand in each other.
+class TDepth {
+ public:
+  explicit TDepth(int& depth) : depth_(depth) { ++depth_; }
+  TDepth(const TDepth&) = delete;
+  TDepth& operator=(const TDepth&) = delete;
+  ~TDepth() { --depth_; }
+
+ private:
+  int& depth_;
+};
+
 class TFilterParser {
  public:
   explicit TFilterParser(std::string_view text) : text_(text) {}
@@ -110,6 +124,8 @@ class TFilterParser {
   THBaseFilter conjunction() { return joined(TFilterKind::And, "AND", &TFilterParser::unary); }
 
   THBaseFilter unary() {
+    const TDepth depth(depth_);
+    if (depth_ > deepest) fail("The filter stands too deep in others", at_);
     for (const auto& [kind, word] :
          {std::pair(TFilterKind::Skip, "SKIP"), std::pair(TFilterKind::While, "WHILE")})
       if (passOperator(word)) {
@@ -223,6 +239,7 @@ class TFilterParser {
 
   std::string_view text_;
   std::size_t at_ = 0;
+  int depth_ = 0;
 };
 
 /// The first key behind all that begin so; empty when there is none.

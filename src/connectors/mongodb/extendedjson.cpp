@@ -71,7 +71,9 @@ std::optional<TValue> fromParts(const std::string& name, const TObject& inner) {
   if (name == "$binary") return binaryOf(inner);
   if (name == "$timestamp") {
     const TValue* seconds = inner.find("t");
-    if (seconds && seconds->is(TKind::Int)) return TValue::dateTime(seconds->asInt() * 1000);
+    if (seconds && seconds->is(TKind::Int) && seconds->asInt() >= 0 &&
+        seconds->asInt() <= std::numeric_limits<std::uint32_t>::max())
+      return TValue::dateTime(seconds->asInt() * 1000);
   }
   if (name == "$regularExpression") {
     const std::string* pattern = textOf(inner, "pattern");

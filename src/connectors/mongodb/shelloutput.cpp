@@ -115,7 +115,9 @@ std::optional<std::vector<TValue>> parseJsonSequence(std::string_view text) {
 
 std::string shellErrorText(std::string_view output, const TDateTimeText& dates) {
   const std::string json = MongoShellToJson(output, dates);
-  for (std::size_t at = json.find('{'); at != std::string::npos; at = json.find('{', at + 1)) {
+  // The document stands near the beginning; a text full of brackets must not cost a search each.
+  int tries = 10;
+  for (std::size_t at = json.find('{'); at != std::string::npos && tries-- > 0; at = json.find('{', at + 1)) {
     const std::size_t end = endOfValue(json, at);
     if (end == std::string::npos) continue;
     const auto parsed = parseJsonSequence(std::string_view(json).substr(at, end - at));

@@ -74,12 +74,13 @@ std::string TWorkFiles::name(const char* stem, const char* ending) const {
   return stem + std::to_string(number_) + ending;
 }
 
+/// A number that is passed gives up all of its files.
 void TWorkFiles::passStale(const char* stem, const char* ending) {
   while (true) {
-    const std::string file = path(name(stem, ending));
     if (!isHeld(path(commandFile()))) {
-      if (!exists(file)) return;
-      if (unlink(file.c_str()) != 0) fail(file);
+      if (!exists(path(name(stem, ending)))) return;
+      for (const std::string& file : {commandFile(), outFile(), runFile()})
+        if (exists(path(file)) && unlink(path(file).c_str()) != 0) fail(path(file));
     }
     ++number_;
   }

@@ -13,6 +13,7 @@
 #include "json/json.h"
 #include "project/querymembers.h"
 #include "project/runcheck.h"
+#include "project/runtexts.h"
 #include "ui/placement.h"
 #include "ui/qtmainthread.h"
 
@@ -121,14 +122,14 @@ void TDataSourceDialog::showFault() {
 
 void TDataSourceDialog::accept() {
   const std::string fault = queryFault();
-  if (fault.empty() || context_.prompt.confirm(fault + "\nWould you like to keep this query all the same?"))
-    QDialog::accept();
+  const QString question = tr("Would you like to keep this query all the same?");
+  if (fault.empty() || context_.prompt.confirm(fault + "\n" + question.toStdString())) QDialog::accept();
 }
 
 /// Reads the first rows on a thread of its own.
 void TDataSourceDialog::bTestClick() {
   const TStoreConnector* store = context_.stores.find(project_.source.dbType);
-  if (!store) return context_.prompt.error("Source database type is not supported.");
+  if (!store) return context_.prompt.error(runtexts::sourceUnsupported);
   const TDataSource source{name_, definition(), 0};
   TStopFlag stop;
   std::string shown;

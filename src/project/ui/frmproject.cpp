@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QRegularExpression>
+#include <QShortcut>
 #include <QTabWidget>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -123,10 +124,19 @@ void TfrmProject::makePages() {
       Qt::QueuedConnection);
   connect(runPage_, &TRunPage::startWanted, this, &TfrmProject::actStartExecute);
   connect(runPage_, &TRunPage::stopWanted, this, &TfrmProject::actStopExecute);
+  setFocusProxy(pages_);
+  for (const auto& [keys, by] : {std::pair(tr("Ctrl+PgDown"), 1), std::pair(tr("Ctrl+PgUp"), -1)})
+    connect(new QShortcut(QKeySequence(keys), this, nullptr, nullptr, Qt::WidgetWithChildrenShortcut),
+            &QShortcut::activated, this, [this, step = by] { turnPage(step); });
   // The preview is read when somebody looks at it.
   connect(pages_, &QTabWidget::currentChanged, this, [this](int page) {
     if (pages_->widget(page) == mapping_) mapping_->refresh();
   });
+}
+
+void TfrmProject::turnPage(int by) {
+  pages_->setCurrentIndex((pages_->currentIndex() + by + pages_->count()) % pages_->count());
+  pages_->currentWidget()->setFocus();
 }
 
 void TfrmProject::onEdited() {
@@ -160,7 +170,7 @@ void TfrmProject::refuse(const QString& message) { context_.prompt.warning(messa
 void TfrmProject::showCaption() {
   setWindowTitle(QString::fromStdString(project().projectName + " :: " + project().fileName) +
                  QStringLiteral("[*]"));
-  if (fileLabel_) fileLabel_->setText(QString::fromStdString("Project File :: " + project().fileName));
+  if (fileLabel_) fileLabel_->setText(text("Project File :: ") + QString::fromStdString(project().fileName));
 }
 
 void TfrmProject::noteFile(const std::string& fileName) {
@@ -187,8 +197,9 @@ void TfrmProject::actSaveAs() {
   // Each of the two windows would undo what the other one saves.
   if (context_.isOpenElsewhere && context_.isOpenElsewhere(name, *this))
     return context_.prompt.error(
-        "The project file " + name.toStdString() +
-        " is open in another window. Close that window first, or choose another name.");
+        tr("The project file %1 is open in another window. Close that window first, or choose another name.")
+            .arg(name)
+            .toStdString());
   saveTo(name);
 }
 
@@ -198,8 +209,9 @@ bool TfrmProject::mayOverwrite(const QString& fileName) {
   const QFileInfo now(fileName);
   if (!now.exists() || now.lastModified() == fileTime_) return true;
   return context_.prompt.confirm(
-      "The file " + fileName.toStdString() +
-      " was changed by another program since it was opened. Would you like to replace it?");
+      tr("The file %1 was changed by another program since it was opened. Would you like to replace it?")
+          .arg(fileName)
+          .toStdString());
 }
 
 bool TfrmProject::saveTo(const QString& fileName) {

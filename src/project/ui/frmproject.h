@@ -53,6 +53,7 @@ class TfrmProject : public TMdiChild {
                      const QKeySequence& keys, void (TfrmProject::*slot)());
   void makeToolBar();
   void makePages();
+  void turnPage(int by);
   void onEdited();
   void onUndo();
   void onRedo();

@@ -43,6 +43,7 @@ TGeneralPage::TGeneralPage(TProjectEditor& editor, QWidget* parent) : QWidget(pa
   grid_->setObjectName(QStringLiteral("vgGeneral"));
   grid_->setAccessibleName(tr("Project settings"));
   layout->addWidget(grid_);
+  setFocusProxy(grid_);
   connect(grid_, &TPropertyGrid::valueEdited, this, &TGeneralPage::onEdited);
   connect(grid_, &TPropertyGrid::valueRefused, this, &TGeneralPage::refused);
   connect(grid_, &TPropertyGrid::buttonClicked, this, [this](const QString& key) {

@@ -29,6 +29,7 @@ TListPage::TListPage(const char* gridName, const QString& caption, const QString
   grid_->horizontalHeader()->setStretchLastSection(true);
   grid_->verticalHeader()->hide();
   layout->addWidget(grid_);
+  setFocusProxy(grid_);
   connect(grid_, &QTableWidget::itemChanged, this, [this](QTableWidgetItem* item) {
     if (!filling_) onChanged(item);
   });

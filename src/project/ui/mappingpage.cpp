@@ -198,6 +198,7 @@ TMappingPage::TMappingPage(TWindowContext& context, TProjectEditor& editor, QWid
   connect(tree_, &TMappingTree::moved, this,
           [this](const TNodePath& from, const TNodePath& to) { act(editor_.moveNode(from, to)); });
   makePreview();
+  setFocusProxy(tree_);
   restoreState(context_.store, placementGroup(), *splitter_);
   restoreState(context_.store, placementGroup(), *tree_->header(), tree_->objectName());
   connect(&preview_, &TPreviewJob::finished, this, &TMappingPage::onPreview);
@@ -224,10 +225,10 @@ QPushButton* TMappingPage::addButton(const char* name, const QString& caption, c
 void TMappingPage::makeButtons() {
   addButton("bAddMapTarget", tr("Add &Target"), "list-add", &TMappingPage::bAddMapTargetClick);
   addButton("bAddAttrMap", tr("Add &Attribute"), "list-add", &TMappingPage::bAddAttrMapClick);
-  addButton("bAddAllFields", tr("Add All &Fields"), "view-list-text", &TMappingPage::bAddAllClick);
+  addButton("bAddAllFields", tr("Add All F&ields"), "view-list-text", &TMappingPage::bAddAllClick);
   addButton("bDelMap", tr("&Delete"), "list-remove", &TMappingPage::bDelMapClick);
   addButton("bUpMap", tr("&Up"), "go-up", &TMappingPage::bUpMapClick);
-  addButton("bDownMap", tr("Do&wn"), "go-down", &TMappingPage::bDownMapClick);
+  addButton("bDownMap", tr("D&own"), "go-down", &TMappingPage::bDownMapClick);
   addButton("bClearMap", tr("C&lear"), "edit-clear", &TMappingPage::bClearMapClick);
   buttons_->addStretch();
   find_ = new QLineEdit(this);

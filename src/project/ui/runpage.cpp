@@ -81,6 +81,7 @@ TRunPage::TRunPage(TWindowContext& context, QWidget* parent) : QWidget(parent), 
   makeLog(layout);
   connect(start_, &QPushButton::clicked, this, &TRunPage::startWanted);
   connect(stop_, &QPushButton::clicked, this, &TRunPage::stopWanted);
+  setFocusProxy(log_);
   clear();
 }
 

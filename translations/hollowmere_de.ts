@@ -1,0 +1,2640 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de_DE" sourcelanguage="en">
+<context>
+    <name>Messages</name>
+    <message>
+        <source>&amp;Copy</source>
+        <translation>&amp;Kopieren</translation>
+    </message>
+    <message>
+        <source>Unable to print %1 to %2.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Print Preview - %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Stop</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>Stopping...</source>
+        <translation>Wird abgebrochen ...</translation>
+    </message>
+    <message>
+        <source> (a whole number from </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> (text)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> (true or false)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> Please ensure that this file is not used by other processes.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> Possibly you need to decrease parallel degree if you load small tables.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> because of the error </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> bytes.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> completed.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> discarded rows/documents.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> documents.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> must be </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> must be a whole number from 0 to 65535.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> returns </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> returns all table rows/documents (not counted)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> returns no rows/documents. Skipping...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> rows/documents to load.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> rows/documents.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> skipped rows/documents.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> to </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Arrange</source>
+        <translation>&amp;Anordnen</translation>
+    </message>
+    <message>
+        <source>&amp;Cascade</source>
+        <translation>&amp;Überlappend</translation>
+    </message>
+    <message>
+        <source>(Unable to create or read the registry key SoftwareTamsburySoftwareHollowmere)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>(Unable to write to the registry key SoftwareTamsburySoftwareHollowmere)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>. Wait or cancel load operation before exiting application.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>8 Bit</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>: Start initializing of </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>About</source>
+        <translation>Über Hollowmere</translation>
+    </message>
+    <message>
+        <source>Are you sure to clear data sources?</source>
+        <translation>Sollen wirklich alle Datenquellen entfernt werden?</translation>
+    </message>
+    <message>
+        <source>Are you sure to start load operation?</source>
+        <translation>Soll der Ladevorgang wirklich gestartet werden?</translation>
+    </message>
+    <message>
+        <source>Are you sure to stop load operation?</source>
+        <translation>Soll der Ladevorgang wirklich abgebrochen werden?</translation>
+    </message>
+    <message>
+        <source>Authentication Database</source>
+        <translation>Anmeldedatenbank</translation>
+    </message>
+    <message>
+        <source>Authentication Mechanism</source>
+        <translation>Anmeldeverfahren</translation>
+    </message>
+    <message>
+        <source>Auto Column Width</source>
+        <translation>Spaltenbreite anpassen</translation>
+    </message>
+    <message>
+        <source>Auto Row Height</source>
+        <translation>Zeilenhöhe anpassen</translation>
+    </message>
+    <message>
+        <source>Basic</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Batch execution error for project </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Bucket</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Bucket SASL Password</source>
+        <translation>SASL-Kennwort des Buckets</translation>
+    </message>
+    <message>
+        <source>Bulk Insert Documents</source>
+        <translation>Dokumente je Einfügung</translation>
+    </message>
+    <message>
+        <source>CQL Query</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Calculating rows/documents number for data sources is disabled.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Calculating rows/documents number for data sources...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cancelled loading </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Closing database connections...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Collection</source>
+        <translation>Sammlung</translation>
+    </message>
+    <message>
+        <source>Column Family</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Configure Database Connections</source>
+        <translation>Datenbankverbindungen einrichten</translation>
+    </message>
+    <message>
+        <source>Configured</source>
+        <translation>Eingerichtet</translation>
+    </message>
+    <message>
+        <source>Connection Properties</source>
+        <translation>Verbindung</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>Kopieren</translation>
+    </message>
+    <message>
+        <source>Create Migration Project from Oracle Schema</source>
+        <translation>Migrationsprojekt aus Oracle-Schema erstellen</translation>
+    </message>
+    <message>
+        <source>Cut</source>
+        <translation>Ausschneiden</translation>
+    </message>
+    <message>
+        <source>Data Grid Properties</source>
+        <translation>Datentabellen</translation>
+    </message>
+    <message>
+        <source>Data Mapping</source>
+        <translation>Zuordnung</translation>
+    </message>
+    <message>
+        <source>Data Sources</source>
+        <translation>Datenquellen</translation>
+    </message>
+    <message>
+        <source>Data Target Name</source>
+        <translation>Name des Datenziels</translation>
+    </message>
+    <message>
+        <source>Data Targets</source>
+        <translation>Datenziele</translation>
+    </message>
+    <message>
+        <source>Data retrieval error occurred: </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Data source </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Data source name already exists.</source>
+        <translation>Diesen Namen hat schon eine Datenquelle.</translation>
+    </message>
+    <message>
+        <source>Data source name is not specified.</source>
+        <translation>Die Datenquelle hat keinen Namen.</translation>
+    </message>
+    <message>
+        <source>Data target name already exists.</source>
+        <translation>Diesen Namen hat schon ein Datenziel.</translation>
+    </message>
+    <message>
+        <source>Data target name is not specified.</source>
+        <translation>Das Datenziel hat keinen Namen.</translation>
+    </message>
+    <message>
+        <source>Database</source>
+        <translation>Datenbank</translation>
+    </message>
+    <message>
+        <source>Database Name</source>
+        <translation>Datenbankname</translation>
+    </message>
+    <message>
+        <source>Database Type</source>
+        <translation>Datenbankart</translation>
+    </message>
+    <message>
+        <source>Default</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Default Project Settings</source>
+        <translation>Vorgaben neuer Projekte</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>Description</source>
+        <translation>Beschreibung</translation>
+    </message>
+    <message>
+        <source>Digest</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Discard File</source>
+        <translation>Ausschussdatei</translation>
+    </message>
+    <message>
+        <source>Do not use http: or https: protocol prefixes in the host name.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Documents To Load</source>
+        <translation>Zu ladende Dokumente</translation>
+    </message>
+    <message>
+        <source>Encoding</source>
+        <translation>Kodierung</translation>
+    </message>
+    <message>
+        <source>Error document/row:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Error encountered: </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Exit</source>
+        <translation>Beenden</translation>
+    </message>
+    <message>
+        <source>False</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Fetch Limit</source>
+        <translation>Zeilen je Abruf</translation>
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Finish row/document number </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Finished closing database connections...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Finished loading </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>General</source>
+        <translation>Allgemein</translation>
+    </message>
+    <message>
+        <source>General error occurred: </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>HTTP Timeout</source>
+        <translation>HTTP-Zeitgrenze</translation>
+    </message>
+    <message>
+        <source>Help</source>
+        <translation>Hilfe</translation>
+    </message>
+    <message>
+        <source>Hollowmere</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Host</source>
+        <translation>Rechner</translation>
+    </message>
+    <message>
+        <source>Ignore NULLs?</source>
+        <translation>NULL-Werte weglassen?</translation>
+    </message>
+    <message>
+        <source>Info Port</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Initialization error: </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Initializing data mapping...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Initializing data sources...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Initializing data targets...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Initializing loading threads...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Initializing of </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Initializing source and target database connections.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Initializing...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Invalid project file.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>JSON File Buffer Size (bytes)</source>
+        <translation>Lesepuffer für JSON-Dateien (Bytes)</translation>
+    </message>
+    <message>
+        <source>JSON List</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>JSON Object</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Keyspace</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Load error: </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Load operation cancelled at </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Load operation finished at </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Load operation finished.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Load operation is still in progress for the project </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Load operation results summary</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Load operation started at </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Loading </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Log File</source>
+        <translation>Protokolldatei</translation>
+    </message>
+    <message>
+        <source>Map Function</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Max Fetch Limit</source>
+        <translation>Zeilen höchstens</translation>
+    </message>
+    <message>
+        <source>Nested objects or lists are not supported for this database type: </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>New Project</source>
+        <translation>Neues Projekt</translation>
+    </message>
+    <message>
+        <source>No data mapping defined.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No data sources created.</source>
+        <translation>Es gibt noch keine Datenquelle.</translation>
+    </message>
+    <message>
+        <source>No data sources defined.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No data targets defined.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Not Configured</source>
+        <translation>Nicht eingerichtet</translation>
+    </message>
+    <message>
+        <source>Ntlm</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Only one root data source is supported.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Only one target JSON file is supported.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Open Project</source>
+        <translation>Projekt öffnen</translation>
+    </message>
+    <message>
+        <source>Open project file </source>
+        <translation>Projektdatei öffnen: </translation>
+    </message>
+    <message>
+        <source>Operating System Default</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Oracle TNS Service Name/host:port:SID or host:port:SN=dbservice</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Page Setup</source>
+        <translation>Seite einrichten</translation>
+    </message>
+    <message>
+        <source>Parallel Degree</source>
+        <translation>Parallele Vorgänge</translation>
+    </message>
+    <message>
+        <source>Parallel degree cannot be greater than the number of documents/rows to be loaded. You should decrease parallel degree for the data source </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Parallel processing is not yet supported for sources or targets with type &quot;</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Parameters</source>
+        <translation>Parameter</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>Kennwort</translation>
+    </message>
+    <message>
+        <source>Paste</source>
+        <translation>Einfügen</translation>
+    </message>
+    <message>
+        <source>Please specify Cassandra database host.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Please specify CouchDB database host.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Please specify Couchbase database host.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Please specify HBase database host.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Please specify MongoDB database name.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Please specify MongoDB instance host.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Please specify Oracle database service name.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Please specify Oracle database user password.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Please specify Oracle database user.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Please specify protocol.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Please specify source database type.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Please specify target database type.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Port</source>
+        <translation>Port</translation>
+    </message>
+    <message>
+        <source>Processing stopped by the user</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Processing successfully completed with exit code 0</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Product Information</source>
+        <translation>Produktinformationen</translation>
+    </message>
+    <message>
+        <source>Program Options</source>
+        <translation>Programmoptionen</translation>
+    </message>
+    <message>
+        <source>Project File :: </source>
+        <translation>Projektdatei :: </translation>
+    </message>
+    <message>
+        <source>Project Name</source>
+        <translation>Projektname</translation>
+    </message>
+    <message>
+        <source>Project name is not specified.</source>
+        <translation>Das Projekt hat keinen Namen.</translation>
+    </message>
+    <message>
+        <source>Protocol</source>
+        <translation>Protokoll</translation>
+    </message>
+    <message>
+        <source>Proxy Authentication Type</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Proxy Authetication Type</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Proxy Server Host</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Proxy Server Port</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Proxy Server User</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Proxy Server User Password</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Query (JSON filter)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>REST Port</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Reached threshold of </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Read Consistency Level</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Ready</source>
+        <translation>Bereit</translation>
+    </message>
+    <message>
+        <source>Redo</source>
+        <translation>Wiederholen</translation>
+    </message>
+    <message>
+        <source>Root data source </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Root data source is not specified.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Rows/Documents To Load</source>
+        <translation>Zu ladende Zeilen/Dokumente</translation>
+    </message>
+    <message>
+        <source>Run</source>
+        <translation>Ausführen</translation>
+    </message>
+    <message>
+        <source>SQL Query</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save Project</source>
+        <translation>Projekt speichern</translation>
+    </message>
+    <message>
+        <source>Save Project As</source>
+        <translation>Projekt speichern unter</translation>
+    </message>
+    <message>
+        <source>Select All</source>
+        <translation>Alles markieren</translation>
+    </message>
+    <message>
+        <source>Select an attribute or a target first.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show Connection List At Startup</source>
+        <translation>Verbindungsliste beim Start zeigen</translation>
+    </message>
+    <message>
+        <source>Show JSON Icon In Grid?</source>
+        <translation>JSON-Zeichen in Tabellen?</translation>
+    </message>
+    <message>
+        <source>Skip Data Source Rows Counting Step (Oracle)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Source Database</source>
+        <translation>Quelle</translation>
+    </message>
+    <message>
+        <source>Source Object/Attribute</source>
+        <translation>Quellobjekt/-attribut</translation>
+    </message>
+    <message>
+        <source>Source and target cannot have type &quot;</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Source database connection is not configured.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Source database connection not configured.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Source database type is not supported.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Source database type not defined.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Start Load Operation</source>
+        <translation>Laden starten</translation>
+    </message>
+    <message>
+        <source>Start row/document number </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Starting thread </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Stop Load Operation</source>
+        <translation>Laden abbrechen</translation>
+    </message>
+    <message>
+        <source>Stop When Rows/Documents Discarded</source>
+        <translation>Ende bei so viel Ausschuss</translation>
+    </message>
+    <message>
+        <source>Stop When Rows/Documents Skipped</source>
+        <translation>Ende bei so vielen übergangenen Zeilen</translation>
+    </message>
+    <message>
+        <source>Stopped.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Stopping loading threads...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Successfully connected to source and target databases.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Table</source>
+        <translation>Tabelle</translation>
+    </message>
+    <message>
+        <source>Target Database</source>
+        <translation>Ziel</translation>
+    </message>
+    <message>
+        <source>Target Object</source>
+        <translation>Zielobjekt</translation>
+    </message>
+    <message>
+        <source>Target Object/Attribute</source>
+        <translation>Zielobjekt/-attribut</translation>
+    </message>
+    <message>
+        <source>Target Type</source>
+        <translation>Zieltyp</translation>
+    </message>
+    <message>
+        <source>Target database connection is not configured.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Target database connection not configured.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Target database type is not supported.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Target database type not defined.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Target object is not specified.</source>
+        <translation>Das Zielobjekt fehlt.</translation>
+    </message>
+    <message>
+        <source>Technical Support</source>
+        <translation>Technische Unterstützung</translation>
+    </message>
+    <message>
+        <source>Terminating processing with exit code 1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>These settings hold a value of a wrong type, their defaults are used: </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This attribute carries the document&apos;s key and cannot be deleted: </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This data source name cannot be used.</source>
+        <translation>Dieser Name ist nicht möglich.</translation>
+    </message>
+    <message>
+        <source>Total thread rows/documents to load </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>True</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>True or False</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to change root data target type.</source>
+        <translation>Die Art des obersten Knotens kann nicht geändert werden.</translation>
+    </message>
+    <message>
+        <source>Unable to close this window because load operation is still in progress.</source>
+        <translation>Das Fenster kann nicht geschlossen werden, solange geladen wird.</translation>
+    </message>
+    <message>
+        <source>Unable to connect to source database: </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to connect to target database: </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to determine rows/documents number for data source </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to find data source </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to find data target: </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to find root data source </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to open discard file </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to open log file </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Undo</source>
+        <translation>Rückgängig</translation>
+    </message>
+    <message>
+        <source>Use PL/SQL for Nested Data Sources</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>User name</source>
+        <translation>Benutzername</translation>
+    </message>
+    <message>
+        <source>Working...</source>
+        <translation>In Arbeit ...</translation>
+    </message>
+    <message>
+        <source>Would you like to reset all existing data sources and data mappings?</source>
+        <translation>Sollen alle Datenquellen und Zuordnungen entfernt werden?</translation>
+    </message>
+    <message>
+        <source>Would you like to reset all existing data targets and data mappings?</source>
+        <translation>Sollen alle Datenziele und Zuordnungen entfernt werden?</translation>
+    </message>
+    <message>
+        <source>Would you like to save project changes?</source>
+        <translation>Sollen die Änderungen am Projekt gespeichert werden?</translation>
+    </message>
+    <message>
+        <source>Write Consistency Level</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>You cannot change column name.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a whole number from </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>datatarget</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>name</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>returns no rows/documents. Skipping</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>saslpwd</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>source</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>target</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>targettype</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>JSON files (*.json);;All files (*)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>JSON list, items: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>JSON object, members: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Reading the document...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> Verify that the current user has necessary privileges.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> Would you like to open it?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> You might be not authorized to perform this operation.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>An error occurred during accessing GridFS: </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>An error occurred during accessing database commands information: </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>An error occurred during accessing role information: </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>An error occurred during accessing user information: </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Atribute name is not specified.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Collection already exists.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Collection name is not specified.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Database already exists.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Database is not specified.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Database name is not specified.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>File has been successfully saved to </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Find MongoDB Shell Executable</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>GROUP BY clause is not specified for aggregate functions in the SQL statement.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>HAVING clause is not specified.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Index name is not specified.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Invalid FROM table clause in SQL statement.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Invalid GROUP BY clause in SQL statement.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Invalid GROUP BY clause in the SQL statement.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Invalid GROUP BY clause or aggregation column list. </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Invalid HAVING clause in SQL statement.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Invalid HAVING clause in the SQL statement.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Invalid JSON document.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Invalid LIMIT clause in SQL statement.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Invalid LIMIT clause in the SQL statement.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Invalid ORDER BY clause in SQL statement.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Invalid ORDER BY clause in the SQL statement.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Invalid WHERE clause.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Invalid aggregate function call.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Invalid column list clause in the SQL UPDATE statement.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Invalid column list clause in the SQL statement. AS keyword is not found for column alias.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Invalid column list in SQL SELECT statement.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Invalid column list in SQL UPDATE statement.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Invalid table list clause in the SQL statement.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Mongo Shell Executable|mongo.exe</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>More than one table is specified in the SQL statement.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nested JSON List</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nested JSON Object</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nested JSON Object/List</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No GROUP BY columns are specified in SELECT clause.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No column list is specified.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No document attributes specified to copy.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No group functions are specified for GROUP BY SQL statement.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No index keys are specified.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No key name is provided.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No output data.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No table name is specified.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Please specify MongoDB shell executable file mongo.exe</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Source MongoDB database name is not specified.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Source and target collections must be different.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Source collection does not contain documents.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Source collection name is not specified.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Such attrubute already exists.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Table name is not specified.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Target MongoDB connection is not specified.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Target collection name is not specified.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Target database name is not specified.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The cell holds no binary data.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This row is a single value: it has no attributes but &quot;value&quot;.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to connect to MongoDB.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to connect to source database.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to connect to target database.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to copy data to system collection</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to create database. Please verify you have necessary privileges.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to drop system MongoDB collection.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to drop this database.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to find MongoDB user password for the user </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to find SET keyword in UPDATE SQL statement.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to parse collection list. Please verify if you have configured shell path for mongo.exe shell executable version 3.0 or later.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to parse column name in UPDATE SET clause.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to parse column value in UPDATE SET clause.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to parse connection string.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to parse index JSON list. Please verify if you have configured shell path for mongo.exe shell executable version 3.0 or later.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to parse valid SELECT, UPDATE, or DELETE SQL statement. Please check the SQL statement syntax.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unable to retrieve command result. Please check if result JSON file exists </source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>View/Modify JSON Document</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>You must specify MongoDB shell executable file mongo.exe  Exiting...</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TAddAttributeDialog</name>
+    <message>
+        <source>Add Attribute</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Attribute name</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Attribute &amp;name</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TBlobPanel</name>
+    <message>
+        <source>Load Binary Value From File</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save Binary Value To File</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Clear Binary Value</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Type of the binary data</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>File type for opening in another program</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Open Binary Value In Another Program</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Form of the binary value</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Binary value as a picture</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Binary value as text</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Binary value in hexadecimal digits</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Picture</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Text</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Other</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 bytes</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No binary value is selected.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>
+(The first %1 bytes are shown.)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>These bytes are no picture that can be shown.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Load Binary Value</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save Binary Value</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TCodeEditor</name>
+    <message>
+        <source>Find</source>
+        <translation>Suchen</translation>
+    </message>
+    <message>
+        <source>Find Previous</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Find Next</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Match case</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Regular expression</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Find in: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Lines that are too long are shown cut; the text cannot be edited here.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>More than %n match(es)</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n match(es)</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TConnectionModel</name>
+    <message>
+        <source>Configure...</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TDataSourceDialog</name>
+    <message>
+        <source>Data Source %1</source>
+        <translation>Datenquelle %1</translation>
+    </message>
+    <message>
+        <source>&amp;Test</source>
+        <translation>&amp;Prüfen</translation>
+    </message>
+    <message>
+        <source>First rows</source>
+        <translation>Erste Zeilen</translation>
+    </message>
+    <message>
+        <source>Test shows the first rows here.</source>
+        <translation>Hier zeigt „Prüfen“ die ersten Zeilen.</translation>
+    </message>
+    <message>
+        <source>&amp;File name</source>
+        <translation>&amp;Dateiname</translation>
+    </message>
+    <message>
+        <source>Would you like to keep this query all the same?</source>
+        <translation>Soll die Abfrage trotzdem übernommen werden?</translation>
+    </message>
+    <message>
+        <source>Reading the first rows...</source>
+        <translation>Die ersten Zeilen werden gelesen ...</translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TDataSourcesPage</name>
+    <message>
+        <source>Data sources</source>
+        <translation>Datenquellen</translation>
+    </message>
+    <message>
+        <source>Data Source Name</source>
+        <translation>Name der Datenquelle</translation>
+    </message>
+    <message>
+        <source>Data Source</source>
+        <translation>Datenquelle</translation>
+    </message>
+    <message>
+        <source>&amp;Add</source>
+        <translation>Hin&amp;zufügen</translation>
+    </message>
+    <message>
+        <source>Confi&amp;gure...</source>
+        <translation>Ein&amp;richten ...</translation>
+    </message>
+    <message>
+        <source>&amp;Delete</source>
+        <translation>&amp;Löschen</translation>
+    </message>
+    <message>
+        <source>C&amp;lear</source>
+        <translation>L&amp;eeren</translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TDataTargetsPage</name>
+    <message>
+        <source>Data targets</source>
+        <translation>Datenziele</translation>
+    </message>
+    <message>
+        <source>&amp;Add</source>
+        <translation>Hin&amp;zufügen</translation>
+    </message>
+    <message>
+        <source>&amp;Delete</source>
+        <translation>&amp;Löschen</translation>
+    </message>
+    <message>
+        <source>C&amp;lear</source>
+        <translation>L&amp;eeren</translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TExportDialog</name>
+    <message>
+        <source>&amp;Without passwords, as readable text</source>
+        <translation>&amp;Ohne Kennwörter, als lesbaren Text</translation>
+    </message>
+    <message>
+        <source>With passwords, &amp;enciphered under a pass phrase</source>
+        <translation>Mit Kennwörtern, unter einem Kennsatz &amp;verschlüsselt</translation>
+    </message>
+    <message>
+        <source>Pass phrase</source>
+        <translation>Kennsatz</translation>
+    </message>
+    <message>
+        <source>Pass phrase again</source>
+        <translation>Kennsatz noch einmal</translation>
+    </message>
+    <message>
+        <source>Export Connections</source>
+        <translation>Verbindungen ausgeben</translation>
+    </message>
+    <message>
+        <source>The cipher (DES) keeps casual readers out. It does not withstand an expert: hand such a file only to people who may know the passwords.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Pass phrase</source>
+        <translation>&amp;Kennsatz</translation>
+    </message>
+    <message>
+        <source>Pass phrase &amp;again</source>
+        <translation>Kennsatz &amp;noch einmal</translation>
+    </message>
+    <message>
+        <source>E&amp;xport...</source>
+        <translation>&amp;Ausgeben ...</translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TGeneralPage</name>
+    <message>
+        <source>Project settings</source>
+        <translation>Projekteinstellungen</translation>
+    </message>
+    <message>
+        <source>General</source>
+        <translation>Allgemein</translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TGridActions</name>
+    <message>
+        <source>&amp;Export Grid Data</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Copy &amp;As</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Print</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Print Pre&amp;view</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Text in columns (*.txt)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Tab-separated text (*.txt *.tsv)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Spreadsheet (*.xlsx)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>HTML page (*.html)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>XML (*.xml)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>PDF (*.pdf)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>One document per line (*.json)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>List of documents (*.json)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>CSV, values as they are (*.csv)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>CSV for spreadsheets, no formulas (*.csv)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Copy Selected</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Copy A&amp;ll</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Selected As &amp;CSV</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Selected As &amp;JSON</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>All As C&amp;SV</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>All As JS&amp;ON</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 of %2 rows</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Export Grid Data</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Exporting to %1...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Copying...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Printing...</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TGridModel</name>
+    <message>
+        <source>This document has no such attribute.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>null</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TJsonTreeModel</name>
+    <message>
+        <source>A member above has this name; only the first of them is kept.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Value</source>
+        <translation>Wert</translation>
+    </message>
+    <message>
+        <source>Kind</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TMappingPage</name>
+    <message>
+        <source>Reading the first rows...</source>
+        <translation>Die ersten Zeilen werden gelesen ...</translation>
+    </message>
+    <message>
+        <source>Add &amp;Target</source>
+        <translation>&amp;Ziel hinzufügen</translation>
+    </message>
+    <message>
+        <source>Add &amp;Attribute</source>
+        <translation>&amp;Attribut hinzufügen</translation>
+    </message>
+    <message>
+        <source>Add All F&amp;ields</source>
+        <translation>Alle Felder h&amp;inzufügen</translation>
+    </message>
+    <message>
+        <source>&amp;Delete</source>
+        <translation>&amp;Löschen</translation>
+    </message>
+    <message>
+        <source>&amp;Up</source>
+        <translation>Nach &amp;oben</translation>
+    </message>
+    <message>
+        <source>D&amp;own</source>
+        <translation>Nach &amp;unten</translation>
+    </message>
+    <message>
+        <source>C&amp;lear</source>
+        <translation>L&amp;eeren</translation>
+    </message>
+    <message>
+        <source>Find</source>
+        <translation>Suchen</translation>
+    </message>
+    <message>
+        <source>Find in the mapping</source>
+        <translation>In der Zuordnung suchen</translation>
+    </message>
+    <message>
+        <source>P&amp;revious Row</source>
+        <translation>Vo&amp;rige Zeile</translation>
+    </message>
+    <message>
+        <source>&amp;Next Row</source>
+        <translation>&amp;Nächste Zeile</translation>
+    </message>
+    <message>
+        <source>Source row</source>
+        <translation>Zeile der Quelle</translation>
+    </message>
+    <message>
+        <source>Resulting document</source>
+        <translation>Entstehendes Dokument</translation>
+    </message>
+    <message>
+        <source>Row %1: %2</source>
+        <translation>Zeile %1: %2</translation>
+    </message>
+    <message>
+        <source>No fields of this data source are known yet: the preview beside the tree tells why.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No rows</source>
+        <translation>Keine Zeilen</translation>
+    </message>
+    <message>
+        <source>Row %1 of the first %2</source>
+        <translation>Zeile %1 der ersten %2</translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TMappingTree</name>
+    <message>
+        <source>Mapping</source>
+        <translation>Zuordnung</translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TPassPhraseDialog</name>
+    <message>
+        <source>Pass phrase</source>
+        <translation>Kennsatz</translation>
+    </message>
+    <message>
+        <source>Import Connections</source>
+        <translation>Verbindungen einlesen</translation>
+    </message>
+    <message>
+        <source>The connections of this file are enciphered under a pass phrase.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Pass phrase</source>
+        <translation>&amp;Kennsatz</translation>
+    </message>
+    <message>
+        <source>&amp;Import</source>
+        <translation>&amp;Einlesen</translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TPropertyGrid</name>
+    <message>
+        <source>Choose %1</source>
+        <translation>%1 wählen</translation>
+    </message>
+    <message>
+        <source>F4</source>
+        <translation>F4</translation>
+    </message>
+    <message>
+        <source>Setting</source>
+        <translation>Einstellung</translation>
+    </message>
+    <message>
+        <source>Value</source>
+        <translation>Wert</translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TRunPage</name>
+    <message>
+        <source>&amp;Start</source>
+        <translation>&amp;Start</translation>
+    </message>
+    <message>
+        <source>S&amp;top</source>
+        <translation>S&amp;topp</translation>
+    </message>
+    <message>
+        <source>Overall progress</source>
+        <translation>Fortschritt</translation>
+    </message>
+    <message>
+        <source>Loaded</source>
+        <translation>Geladen</translation>
+    </message>
+    <message>
+        <source>Discarded</source>
+        <translation>Ausschuss</translation>
+    </message>
+    <message>
+        <source>Skipped</source>
+        <translation>Übergangen</translation>
+    </message>
+    <message>
+        <source>Processed</source>
+        <translation>Verarbeitet</translation>
+    </message>
+    <message>
+        <source>Documents per second</source>
+        <translation>Dokumente je Sekunde</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Zeit</translation>
+    </message>
+    <message>
+        <source>Thread</source>
+        <translation>Vorgang</translation>
+    </message>
+    <message>
+        <source>State</source>
+        <translation>Zustand</translation>
+    </message>
+    <message>
+        <source>Progress</source>
+        <translation>Fortschritt</translation>
+    </message>
+    <message>
+        <source>Rows per second</source>
+        <translation>Zeilen je Sekunde</translation>
+    </message>
+    <message>
+        <source>Threads</source>
+        <translation>Vorgänge</translation>
+    </message>
+    <message>
+        <source>Show only log lines with this text</source>
+        <translation>Nur Protokollzeilen mit diesem Text zeigen</translation>
+    </message>
+    <message>
+        <source>Log filter</source>
+        <translation>Protokollfilter</translation>
+    </message>
+    <message>
+        <source>Open &amp;Log</source>
+        <translation>&amp;Protokoll öffnen</translation>
+    </message>
+    <message>
+        <source>Open &amp;Discard File</source>
+        <translation>&amp;Ausschussdatei öffnen</translation>
+    </message>
+    <message>
+        <source>Load log</source>
+        <translation>Ladeprotokoll</translation>
+    </message>
+    <message>
+        <source> (%1 left)</source>
+        <translation> (noch %1)</translation>
+    </message>
+    <message>
+        <source>Failed</source>
+        <translation>Gescheitert</translation>
+    </message>
+    <message>
+        <source>Running</source>
+        <translation>Läuft</translation>
+    </message>
+    <message>
+        <source>Stopped</source>
+        <translation>Beendet</translation>
+    </message>
+    <message>
+        <source>%1 loaded, %2 discarded, %3 skipped</source>
+        <translation>%1 geladen, %2 Ausschuss, %3 übergangen</translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TValueDialog</name>
+    <message>
+        <source>Value</source>
+        <translation>Wert</translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TfrmConnList</name>
+    <message>
+        <source>Exported connections (*.json)</source>
+        <translation>Ausgegebene Verbindungen (*.json)</translation>
+    </message>
+    <message>
+        <source>All files (*)</source>
+        <translation>Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>Database Connections</source>
+        <translation>Datenbankverbindungen</translation>
+    </message>
+    <message>
+        <source>Database connections</source>
+        <translation>Datenbankverbindungen</translation>
+    </message>
+    <message>
+        <source>&amp;Add New Connection</source>
+        <translation>&amp;Neue Verbindung</translation>
+    </message>
+    <message>
+        <source>Edit &amp;Connection</source>
+        <translation>Verbindun&amp;g ändern</translation>
+    </message>
+    <message>
+        <source>Re&amp;move Connection</source>
+        <translation>Verbindung entfe&amp;rnen</translation>
+    </message>
+    <message>
+        <source>&amp;Open Connection</source>
+        <translation>&amp;Verbindung öffnen</translation>
+    </message>
+    <message>
+        <source>Any part of a row</source>
+        <translation>Ein Teil einer Zeile</translation>
+    </message>
+    <message>
+        <source>Find</source>
+        <translation>Suchen</translation>
+    </message>
+    <message>
+        <source>Fi&amp;nd:</source>
+        <translation>S&amp;uchen:</translation>
+    </message>
+    <message>
+        <source>&amp;Import...</source>
+        <translation>&amp;Einlesen ...</translation>
+    </message>
+    <message>
+        <source>E&amp;xport...</source>
+        <translation>&amp;Ausgeben ...</translation>
+    </message>
+    <message>
+        <source>Connections: %1</source>
+        <translation>Verbindungen: %1</translation>
+    </message>
+    <message>
+        <source>Import Connections</source>
+        <translation>Verbindungen einlesen</translation>
+    </message>
+    <message>
+        <source>Export Connections</source>
+        <translation>Verbindungen ausgeben</translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TfrmDBConfig</name>
+    <message>
+        <source>Database Connection</source>
+        <translation>Datenbankverbindung</translation>
+    </message>
+    <message>
+        <source>Database type</source>
+        <translation>Datenbankart</translation>
+    </message>
+    <message>
+        <source>&amp;Kept connections:</source>
+        <translation>&amp;Vorhandene Verbindungen:</translation>
+    </message>
+    <message>
+        <source>A new connection</source>
+        <translation>Eine neue Verbindung</translation>
+    </message>
+    <message>
+        <source>Help</source>
+        <translation>Hilfe</translation>
+    </message>
+    <message>
+        <source>&amp;Test Connection</source>
+        <translation>Verbindung &amp;prüfen</translation>
+    </message>
+    <message>
+        <source>&amp;Stop Test</source>
+        <translation>Prüfung a&amp;bbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TfrmHelp</name>
+    <message>
+        <source>Hollowmere Help</source>
+        <translation>Hilfe zu Hollowmere</translation>
+    </message>
+    <message>
+        <source>Help page</source>
+        <translation>Hilfeseite</translation>
+    </message>
+    <message>
+        <source>&amp;Contents</source>
+        <translation>&amp;Inhalt</translation>
+    </message>
+    <message>
+        <source>&amp;Back</source>
+        <translation>&amp;Zurück</translation>
+    </message>
+    <message>
+        <source>&amp;Forward</source>
+        <translation>&amp;Weiter</translation>
+    </message>
+    <message>
+        <source>Find on this page</source>
+        <translation>Auf dieser Seite suchen</translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TfrmJSON</name>
+    <message>
+        <source>JSON Documents</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Documents</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Form of the cell</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Value of the cell</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Val&amp;ue</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Binary Value</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Open JSON File...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Add Row</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Delete Row</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Ctrl+Del</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Clear Data</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Add A&amp;ttribute...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Undo</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Format</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;View as JSON Document</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Ctrl+J</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>As &amp;New Collection</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Attribute</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>View</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>Page &amp;Setup...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>Export</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Find</source>
+        <translation>Suchen</translation>
+    </message>
+    <message>
+        <source>Any part of a cell</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>F&amp;ind:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Ne&amp;xt</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>P&amp;revious</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>First Page</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Previous Page</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Next Page</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Last Page</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No rows</source>
+        <translation>Keine Zeilen</translation>
+    </message>
+    <message>
+        <source>Rows %1 to %2 of %3</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Opening %1...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Open JSON File</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>JSON files (*.json *.jsonl);;All files (*)</source>
+        <translation>JSON-Dateien (*.json *.jsonl);;Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>JSON Documents - %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TfrmMain</name>
+    <message>
+        <source>Open windows</source>
+        <translation>Offene Fenster</translation>
+    </message>
+    <message>
+        <source>Main</source>
+        <translation>Hauptleiste</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>Ctrl+N</source>
+        <translation>Ctrl+N</translation>
+    </message>
+    <message>
+        <source>Ctrl+O</source>
+        <translation>Ctrl+O</translation>
+    </message>
+    <message>
+        <source>Ctrl+Shift+O</source>
+        <translation>Ctrl+Shift+O</translation>
+    </message>
+    <message>
+        <source>Ctrl+Q</source>
+        <translation>Ctrl+Q</translation>
+    </message>
+    <message>
+        <source>&amp;Recent Projects</source>
+        <translation>&amp;Letzte Projekte</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>&amp;Window</source>
+        <translation>&amp;Fenster</translation>
+    </message>
+    <message>
+        <source>&amp;Next</source>
+        <translation>&amp;Nächstes</translation>
+    </message>
+    <message>
+        <source>&amp;Previous</source>
+        <translation>&amp;Voriges</translation>
+    </message>
+    <message>
+        <source>C&amp;lose</source>
+        <translation>S&amp;chließen</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>&amp;Hilfe</translation>
+    </message>
+    <message>
+        <source>F1</source>
+        <translation>F1</translation>
+    </message>
+    <message>
+        <source>Load projects (*.hmp);;All files (*)</source>
+        <translation>Ladeprojekte (*.hmp);;Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>No projects yet</source>
+        <translation>Noch keine Projekte</translation>
+    </message>
+    <message>
+        <source>this type of</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no browser window for %1 databases in this version yet. Connections of this type can be used in load projects where the store is supported.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This build has no assistant for migration projects yet.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This build has no Oracle connector: a migration project cannot be created from an Oracle schema.</source>
+        <translation>Dieses Programm kann Oracle nicht erreichen: aus einem Oracle-Schema kann kein Migrationsprojekt erstellt werden.</translation>
+    </message>
+    <message>
+        <source>About Hollowmere</source>
+        <translation>Über Hollowmere</translation>
+    </message>
+    <message>
+        <source>&lt;b&gt;Hollowmere %1&lt;/b&gt;&lt;p&gt;Moves data between databases and JSON files.&lt;/p&gt;&lt;p&gt;Free software under the GNU General Public License, version 3 or later.&lt;/p&gt;</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Open JSON Document</source>
+        <translation>JSON-Dokument öffnen</translation>
+    </message>
+    <message>
+        <source>JSON documents (*.json *.jsonl);;All files (*)</source>
+        <translation>JSON-Dokumente (*.json *.jsonl);;Alle Dateien (*)</translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TfrmOption</name>
+    <message>
+        <source>Program Options</source>
+        <translation>Programmoptionen</translation>
+    </message>
+    <message>
+        <source>Program options</source>
+        <translation>Programmoptionen</translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TfrmProject</name>
+    <message>
+        <source>Load projects (*.hmp);;All files (*)</source>
+        <translation>Ladeprojekte (*.hmp);;Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>Ctrl+Shift+S</source>
+        <translation>Ctrl+Shift+S</translation>
+    </message>
+    <message>
+        <source>Undo</source>
+        <translation>Rückgängig</translation>
+    </message>
+    <message>
+        <source>Redo</source>
+        <translation>Wiederholen</translation>
+    </message>
+    <message>
+        <source>F9</source>
+        <translation>F9</translation>
+    </message>
+    <message>
+        <source>Shift+F9</source>
+        <translation>Shift+F9</translation>
+    </message>
+    <message>
+        <source>Project pages</source>
+        <translation>Seiten des Projekts</translation>
+    </message>
+    <message>
+        <source>Ctrl+PgDown</source>
+        <translation>Ctrl+PgDown</translation>
+    </message>
+    <message>
+        <source>Ctrl+PgUp</source>
+        <translation>Ctrl+PgUp</translation>
+    </message>
+    <message>
+        <source>The project file %1 is open in another window. Close that window first, or choose another name.</source>
+        <translation>Die Projektdatei %1 ist in einem anderen Fenster offen. Schließen Sie zuerst jenes Fenster, oder wählen Sie einen anderen Namen.</translation>
+    </message>
+    <message>
+        <source>The file %1 was changed by another program since it was opened. Would you like to replace it?</source>
+        <translation>Die Datei %1 wurde seit dem Öffnen von einem anderen Programm geändert. Soll sie ersetzt werden?</translation>
+    </message>
+    <message>
+        <source>JSON files (*.json *.jsonl);;All files (*)</source>
+        <translation>JSON-Dateien (*.json *.jsonl);;Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>Source JSON File</source>
+        <translation>JSON-Datei der Quelle</translation>
+    </message>
+    <message>
+        <source>Target JSON File</source>
+        <translation>JSON-Datei des Ziels</translation>
+    </message>
+    <message>
+        <source>Connecting and counting...</source>
+        <translation>Verbinden und Zählen ...</translation>
+    </message>
+</context>
+<context>
+    <name>hollowmere::TfrmViewJSON</name>
+    <message>
+        <source>Form of the document</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Ins</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Up</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Ctrl+Up</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Down</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Ctrl+Down</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Undo</source>
+        <translation>Rückgängig</translation>
+    </message>
+    <message>
+        <source>Redo</source>
+        <translation>Wiederholen</translation>
+    </message>
+    <message>
+        <source>Format</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Ctrl+Shift+F</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Load From File</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save To File</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Binary Value</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Copy Value</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Copy Path</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Ctrl+Shift+C</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Paste As Child</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Expand All</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Find</source>
+        <translation>Suchen</translation>
+    </message>
+    <message>
+        <source>Find Next</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Find Previous</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Change &amp;Kind</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Text</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Number</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Boolean</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Null</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Date-Time</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Binary</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Find in names and values</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Document as a tree</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>T&amp;ree</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Document as text</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Te&amp;xt</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Ctrl+Return</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Edit %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>More than %1 found</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 found</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Line %1, column %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Writing the document as text...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Reading the document...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Formatting the document...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Load JSON Document</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save JSON Document</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+</TS>
