@@ -133,7 +133,8 @@ void colourCode(QsciScintilla& area, QsciLexer* lexer, TCodeLanguage language, c
   area.setMatchedBraceForegroundColor(ink);
   area.setUnmatchedBraceBackgroundColor(paper);
   area.setUnmatchedBraceForegroundColor(QColor((dark ? darkColours : lightColours)[FaultPart]));
-  const QColor match = dark ? QColor(0xff, 0xd5, 0x4f) : QColor(0xe0, 0x90, 0x00);
+  // The text stays readable through it.
+  const QColor match = dark ? QColor(0xff, 0xd5, 0x4f, 90) : QColor(0xe0, 0x90, 0x00, 90);
   area.setIndicatorForegroundColor(match, -1);
 }
 

@@ -114,6 +114,7 @@ void TCodeEditor::makeArea() {
   area_->setTabWidth(2);
   area_->setCaretLineVisible(true);
   area_->indicatorDefine(QsciScintilla::StraightBoxIndicator, matchIndicator);
+  area_->setIndicatorDrawUnder(true, matchIndicator);
   area_->SendScintilla(QsciScintilla::SCI_SETSCROLLWIDTHTRACKING, true);
   area_->SendScintilla(QsciScintilla::SCI_SETSCROLLWIDTH, 1UL);
   area_->SendScintilla(QsciScintilla::SCI_CLEARCMDKEY, static_cast<unsigned long>(QsciScintilla::SCK_ESCAPE));

@@ -11,6 +11,7 @@
 #include <QTableView>
 #include <QTableWidget>
 #include <QTest>
+#include <QTreeView>
 #include <QTreeWidget>
 
 #include "connectors/jsonfile/jsonfileconnector.h"
@@ -75,6 +76,21 @@ TEST_F(ProjectWindow, AProjectIsBuiltPreviewedSavedAndRun) {
   ASSERT_TRUE(QTest::qWaitFor([&] { return documentText(window).contains("\"label\": \"row 1\""); }));
   click(window, "bNextRow");
   EXPECT_TRUE(documentText(window).contains("row 2"));
+  int viewed = 0;
+  const auto shows = [&](QDialog& dialog) {
+    const QAbstractItemModel* model = child<QTreeView>(dialog, "tlJSON").model();
+    EXPECT_EQ(model->index(1, 1).data().toString(), QStringLiteral("row 2"));
+    EXPECT_FALSE(model->flags(model->index(1, 1)) & Qt::ItemIsEditable) << "a preview is only looked at";
+    ++viewed;
+    dialog.reject();
+  };
+  for (const char* button : {"bViewRow", "bViewDocument"}) {
+    whenDialog(QStringLiteral("frmViewJSON"), shows);
+    click(window, button);
+  }
+  whenDialog(QStringLiteral("frmViewJSON"), shows);
+  QTest::keyClick(&child<QPlainTextEdit>(window, "mPreviewDocument"), Qt::Key_Return);
+  EXPECT_EQ(viewed, 3);
   EXPECT_TRUE(toy->documents("copy").empty()) << "a preview writes nothing";
 
   const std::string file = temp.file("p.hmp");

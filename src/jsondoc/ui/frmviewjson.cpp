@@ -71,10 +71,8 @@ TfrmViewJSON::TfrmViewJSON(TWindowContext& context, TValue document, const TView
   restoreState(context_.store, placementGroup(), *splitter_);
   restoreState(context_.store, placementGroup(), *view_->header(), view_->objectName());
   view_->expandAsLoaded();
-  if (!context_.store.contains(placementGroup() + QLatin1Char('/') + view_->objectName())) {
+  if (!context_.store.contains(placementGroup() + QLatin1Char('/') + view_->objectName()))
     view_->resizeColumnToContents(TJsonTreeModel::NameColumn);
-    view_->setColumnWidth(TJsonTreeModel::ValueColumn, fontMetrics().averageCharWidth() * 50);
-  }
   view_->setCurrentIndex(model_->index(0, TJsonTreeModel::NameColumn));
   view_->setFocus();
   onCurrent();

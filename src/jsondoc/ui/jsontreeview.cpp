@@ -77,13 +77,16 @@ TJsonTreeView::TJsonTreeView(QWidget* parent) : QTreeView(parent) {
   setEditTriggers(DoubleClicked | EditKeyPressed);
   setItemDelegate(new TJsonDelegate(this));
   setContextMenuPolicy(Qt::CustomContextMenu);
-  header()->setStretchLastSection(true);
   header()->setResizeContentsPrecision(100);
 }
 
 void TJsonTreeView::setTreeModel(TJsonTreeModel* model) {
   model_ = model;
   setModel(model);
+  // All three columns stay in view, also beside the panel.
+  header()->setStretchLastSection(false);
+  header()->setSectionResizeMode(TJsonTreeModel::ValueColumn, QHeaderView::Stretch);
+  header()->setSectionResizeMode(TJsonTreeModel::KindColumn, QHeaderView::ResizeToContents);
 }
 
 TJsonPlace TJsonTreeView::current() const { return TJsonTreeModel::placeOf(currentIndex()); }
