@@ -26,7 +26,7 @@ class Server:
     """The server itself, for the time of a with statement."""
 
     def __enter__(self):
-        ready = subprocess.run([SERVERS, "start", "--port", "0", "--parent", str(os.getpid())], check=True,
+        ready = subprocess.run([SERVERS, "start", "--speed", "--port", "0", "--parent", str(os.getpid())], check=True,
                                capture_output=True, text=True).stdout
         self.port = int(ready.split("127.0.0.1:")[1].split()[0])
         tools = subprocess.run([SERVERS, "tools"], check=True, capture_output=True, text=True).stdout.strip()
@@ -73,6 +73,13 @@ def write(port, count, bulk=1000, source=None):
     return load(made, count)
 
 
+def warm(port, size):
+    """A server compiles what it does often only after a while."""
+    for _ in range(size(5, 2)):
+        write(port, 100_000)
+    write(port, 10_000, 0)
+
+
 def copy(port, sink_port, count, degree=1, bulk=1000, fetch=1000):
     return load(project(cassandra(port), cassandra(sink_port), (), bulk, degree, fetch, source_query=QUERY,
                         target="bench.texts"), count)
@@ -85,7 +92,7 @@ def register(measurement, table, size, rounds):
         for what, server in (("a sink", CassandraSink), ("the server", Server)):
             speeds = {bulk: [] for bulk in counts}
             with server() as one:
-                write(one.port, counts[1000])  # a server that has just begun is slow
+                warm(one.port, size)
                 for _ in range(rounds):
                     for bulk, count in counts.items():
                         speeds[bulk].append(count / write(one.port, count, bulk).result["seconds"])
@@ -100,7 +107,7 @@ def register(measurement, table, size, rounds):
         found = {"wall": [], "cpu": []}
         statement = "copy bench.copies (%s) from '%s'" % (", ".join(name for name, _ in COLUMNS), csv_file(count))
         with Server() as server:
-            write(server.port, count)
+            warm(server.port, size)
             for _ in range(rounds):
                 peer = run(*server.cqlsh, "-e", statement)
                 own = write(server.port, count)
