@@ -9,11 +9,11 @@
     </message>
     <message>
         <source>Unable to print %1 to %2.</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 kann nicht auf %2 gedruckt werden.</translation>
     </message>
     <message>
         <source>Print Preview - %1</source>
-        <translation type="unfinished"></translation>
+        <translation>Druckvorschau - %1</translation>
     </message>
     <message>
         <source>&amp;Stop</source>
@@ -37,7 +37,7 @@
     </message>
     <message>
         <source> Please ensure that this file is not used by other processes.</source>
-        <translation type="unfinished"></translation>
+        <translation> Bitte stellen Sie sicher, dass kein anderes Programm diese Datei benutzt.</translation>
     </message>
     <message>
         <source> Possibly you need to decrease parallel degree if you load small tables.</source>
@@ -69,7 +69,7 @@
     </message>
     <message>
         <source> must be a whole number from 0 to 65535.</source>
-        <translation type="unfinished"></translation>
+        <translation> muss eine ganze Zahl von 0 bis 65535 sein.</translation>
     </message>
     <message>
         <source> returns </source>
@@ -117,11 +117,11 @@
     </message>
     <message>
         <source>. Wait or cancel load operation before exiting application.</source>
-        <translation type="unfinished"></translation>
+        <translation>. Warten Sie das Ende ab oder brechen Sie das Laden ab, bevor Sie das Programm beenden.</translation>
     </message>
     <message>
         <source>8 Bit</source>
-        <translation type="unfinished"></translation>
+        <translation>8 Bit</translation>
     </message>
     <message>
         <source>: Start initializing of </source>
@@ -161,7 +161,7 @@
     </message>
     <message>
         <source>Basic</source>
-        <translation type="unfinished"></translation>
+        <translation>Basic</translation>
     </message>
     <message>
         <source>Batch execution error for project </source>
@@ -169,7 +169,7 @@
     </message>
     <message>
         <source>Bucket</source>
-        <translation type="unfinished"></translation>
+        <translation>Bucket</translation>
     </message>
     <message>
         <source>Bucket SASL Password</source>
@@ -181,7 +181,7 @@
     </message>
     <message>
         <source>CQL Query</source>
-        <translation type="unfinished"></translation>
+        <translation>CQL-Abfrage</translation>
     </message>
     <message>
         <source>Calculating rows/documents number for data sources is disabled.</source>
@@ -205,7 +205,7 @@
     </message>
     <message>
         <source>Column Family</source>
-        <translation type="unfinished"></translation>
+        <translation>Spaltenfamilie</translation>
     </message>
     <message>
         <source>Configure Database Connections</source>
@@ -289,7 +289,7 @@
     </message>
     <message>
         <source>Default</source>
-        <translation type="unfinished"></translation>
+        <translation>Standard</translation>
     </message>
     <message>
         <source>Default Project Settings</source>
@@ -305,7 +305,7 @@
     </message>
     <message>
         <source>Digest</source>
-        <translation type="unfinished"></translation>
+        <translation>Digest</translation>
     </message>
     <message>
         <source>Discard File</source>
@@ -313,7 +313,7 @@
     </message>
     <message>
         <source>Do not use http: or https: protocol prefixes in the host name.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Rechnername darf nicht mit http: oder https: beginnen.</translation>
     </message>
     <message>
         <source>Documents To Load</source>
@@ -337,7 +337,7 @@
     </message>
     <message>
         <source>False</source>
-        <translation type="unfinished"></translation>
+        <translation>Nein</translation>
     </message>
     <message>
         <source>Fetch Limit</source>
@@ -345,7 +345,7 @@
     </message>
     <message>
         <source>Filter</source>
-        <translation type="unfinished"></translation>
+        <translation>Filter</translation>
     </message>
     <message>
         <source>Finish row/document number </source>
@@ -377,7 +377,7 @@
     </message>
     <message>
         <source>Hollowmere</source>
-        <translation type="unfinished"></translation>
+        <translation>Hollowmere</translation>
     </message>
     <message>
         <source>Host</source>
@@ -389,7 +389,7 @@
     </message>
     <message>
         <source>Info Port</source>
-        <translation type="unfinished"></translation>
+        <translation>Info-Port</translation>
     </message>
     <message>
         <source>Initialization error: </source>
@@ -425,7 +425,7 @@
     </message>
     <message>
         <source>Invalid project file.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Projektdatei ist ungültig.</translation>
     </message>
     <message>
         <source>JSON File Buffer Size (bytes)</source>
@@ -433,15 +433,15 @@
     </message>
     <message>
         <source>JSON List</source>
-        <translation type="unfinished"></translation>
+        <translation>JSON-Liste</translation>
     </message>
     <message>
         <source>JSON Object</source>
-        <translation type="unfinished"></translation>
+        <translation>JSON-Objekt</translation>
     </message>
     <message>
         <source>Keyspace</source>
-        <translation type="unfinished"></translation>
+        <translation>Keyspace</translation>
     </message>
     <message>
         <source>Load error: </source>
@@ -461,7 +461,7 @@
     </message>
     <message>
         <source>Load operation is still in progress for the project </source>
-        <translation type="unfinished"></translation>
+        <translation>Es wird noch geladen im Projekt </translation>
     </message>
     <message>
         <source>Load operation results summary</source>
@@ -481,7 +481,7 @@
     </message>
     <message>
         <source>Map Function</source>
-        <translation type="unfinished"></translation>
+        <translation>Map-Funktion</translation>
     </message>
     <message>
         <source>Max Fetch Limit</source>
@@ -497,7 +497,7 @@
     </message>
     <message>
         <source>No data mapping defined.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es ist keine Zuordnung definiert.</translation>
     </message>
     <message>
         <source>No data sources created.</source>
@@ -505,15 +505,15 @@
     </message>
     <message>
         <source>No data sources defined.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es sind keine Datenquellen definiert.</translation>
     </message>
     <message>
         <source>No data targets defined.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es sind keine Datenziele definiert.</translation>
     </message>
     <message>
         <source>None</source>
-        <translation type="unfinished"></translation>
+        <translation>Keine</translation>
     </message>
     <message>
         <source>Not Configured</source>
@@ -521,7 +521,7 @@
     </message>
     <message>
         <source>Ntlm</source>
-        <translation type="unfinished"></translation>
+        <translation>NTLM</translation>
     </message>
     <message>
         <source>Only one root data source is supported.</source>
@@ -541,11 +541,11 @@
     </message>
     <message>
         <source>Operating System Default</source>
-        <translation type="unfinished"></translation>
+        <translation>Vorgabe des Betriebssystems</translation>
     </message>
     <message>
         <source>Oracle TNS Service Name/host:port:SID or host:port:SN=dbservice</source>
-        <translation type="unfinished"></translation>
+        <translation>Oracle-TNS-Dienstname/host:port:SID oder host:port:SN=dbservice</translation>
     </message>
     <message>
         <source>Page Setup</source>
@@ -577,51 +577,51 @@
     </message>
     <message>
         <source>Please specify Cassandra database host.</source>
-        <translation type="unfinished"></translation>
+        <translation>Bitte geben Sie den Rechner der Cassandra-Datenbank an.</translation>
     </message>
     <message>
         <source>Please specify CouchDB database host.</source>
-        <translation type="unfinished"></translation>
+        <translation>Bitte geben Sie den Rechner der CouchDB-Datenbank an.</translation>
     </message>
     <message>
         <source>Please specify Couchbase database host.</source>
-        <translation type="unfinished"></translation>
+        <translation>Bitte geben Sie den Rechner der Couchbase-Datenbank an.</translation>
     </message>
     <message>
         <source>Please specify HBase database host.</source>
-        <translation type="unfinished"></translation>
+        <translation>Bitte geben Sie den Rechner der HBase-Datenbank an.</translation>
     </message>
     <message>
         <source>Please specify MongoDB database name.</source>
-        <translation type="unfinished"></translation>
+        <translation>Bitte geben Sie den Namen der MongoDB-Datenbank an.</translation>
     </message>
     <message>
         <source>Please specify MongoDB instance host.</source>
-        <translation type="unfinished"></translation>
+        <translation>Bitte geben Sie den Rechner der MongoDB-Instanz an.</translation>
     </message>
     <message>
         <source>Please specify Oracle database service name.</source>
-        <translation type="unfinished"></translation>
+        <translation>Bitte geben Sie den Dienstnamen der Oracle-Datenbank an.</translation>
     </message>
     <message>
         <source>Please specify Oracle database user password.</source>
-        <translation type="unfinished"></translation>
+        <translation>Bitte geben Sie das Kennwort des Oracle-Benutzers an.</translation>
     </message>
     <message>
         <source>Please specify Oracle database user.</source>
-        <translation type="unfinished"></translation>
+        <translation>Bitte geben Sie den Oracle-Benutzer an.</translation>
     </message>
     <message>
         <source>Please specify protocol.</source>
-        <translation type="unfinished"></translation>
+        <translation>Bitte geben Sie das Protokoll an.</translation>
     </message>
     <message>
         <source>Please specify source database type.</source>
-        <translation type="unfinished"></translation>
+        <translation>Bitte wählen Sie die Art der Quelldatenbank.</translation>
     </message>
     <message>
         <source>Please specify target database type.</source>
-        <translation type="unfinished"></translation>
+        <translation>Bitte wählen Sie die Art der Zieldatenbank.</translation>
     </message>
     <message>
         <source>Port</source>
@@ -661,35 +661,35 @@
     </message>
     <message>
         <source>Proxy Authentication Type</source>
-        <translation type="unfinished"></translation>
+        <translation>Anmeldeverfahren am Proxy</translation>
     </message>
     <message>
         <source>Proxy Authetication Type</source>
-        <translation type="unfinished"></translation>
+        <translation>Anmeldeverfahren am Proxy</translation>
     </message>
     <message>
         <source>Proxy Server Host</source>
-        <translation type="unfinished"></translation>
+        <translation>Rechner des Proxyservers</translation>
     </message>
     <message>
         <source>Proxy Server Port</source>
-        <translation type="unfinished"></translation>
+        <translation>Port des Proxyservers</translation>
     </message>
     <message>
         <source>Proxy Server User</source>
-        <translation type="unfinished"></translation>
+        <translation>Benutzer am Proxyserver</translation>
     </message>
     <message>
         <source>Proxy Server User Password</source>
-        <translation type="unfinished"></translation>
+        <translation>Kennwort am Proxyserver</translation>
     </message>
     <message>
         <source>Query (JSON filter)</source>
-        <translation type="unfinished"></translation>
+        <translation>Abfrage (JSON-Filter)</translation>
     </message>
     <message>
         <source>REST Port</source>
-        <translation type="unfinished"></translation>
+        <translation>REST-Port</translation>
     </message>
     <message>
         <source>Reached threshold of </source>
@@ -697,7 +697,7 @@
     </message>
     <message>
         <source>Read Consistency Level</source>
-        <translation type="unfinished"></translation>
+        <translation>Konsistenzstufe beim Lesen</translation>
     </message>
     <message>
         <source>Ready</source>
@@ -725,7 +725,7 @@
     </message>
     <message>
         <source>SQL Query</source>
-        <translation type="unfinished"></translation>
+        <translation>SQL-Abfrage</translation>
     </message>
     <message>
         <source>Save Project</source>
@@ -741,7 +741,7 @@
     </message>
     <message>
         <source>Select an attribute or a target first.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie zuerst ein Attribut oder ein Ziel.</translation>
     </message>
     <message>
         <source>Show Connection List At Startup</source>
@@ -753,7 +753,7 @@
     </message>
     <message>
         <source>Skip Data Source Rows Counting Step (Oracle)</source>
-        <translation type="unfinished"></translation>
+        <translation>Zählen der Zeilen überspringen (Oracle)</translation>
     </message>
     <message>
         <source>Source Database</source>
@@ -769,11 +769,11 @@
     </message>
     <message>
         <source>Source database connection is not configured.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Verbindung zur Quelldatenbank ist nicht eingerichtet.</translation>
     </message>
     <message>
         <source>Source database connection not configured.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Verbindung zur Quelldatenbank ist nicht eingerichtet.</translation>
     </message>
     <message>
         <source>Source database type is not supported.</source>
@@ -809,7 +809,7 @@
     </message>
     <message>
         <source>Stopped.</source>
-        <translation type="unfinished"></translation>
+        <translation>Angehalten.</translation>
     </message>
     <message>
         <source>Stopping loading threads...</source>
@@ -841,11 +841,11 @@
     </message>
     <message>
         <source>Target database connection is not configured.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Verbindung zur Zieldatenbank ist nicht eingerichtet.</translation>
     </message>
     <message>
         <source>Target database connection not configured.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Verbindung zur Zieldatenbank ist nicht eingerichtet.</translation>
     </message>
     <message>
         <source>Target database type is not supported.</source>
@@ -869,11 +869,11 @@
     </message>
     <message>
         <source>These settings hold a value of a wrong type, their defaults are used: </source>
-        <translation type="unfinished"></translation>
+        <translation>Diese Einstellungen enthalten einen Wert der falschen Art, es gelten ihre Vorgaben: </translation>
     </message>
     <message>
         <source>This attribute carries the document&apos;s key and cannot be deleted: </source>
-        <translation type="unfinished"></translation>
+        <translation>Dieses Attribut trägt den Schlüssel des Dokuments und kann nicht gelöscht werden: </translation>
     </message>
     <message>
         <source>This data source name cannot be used.</source>
@@ -885,11 +885,11 @@
     </message>
     <message>
         <source>True</source>
-        <translation type="unfinished"></translation>
+        <translation>Ja</translation>
     </message>
     <message>
         <source>True or False</source>
-        <translation type="unfinished"></translation>
+        <translation>Ja oder Nein</translation>
     </message>
     <message>
         <source>Unable to change root data target type.</source>
@@ -937,7 +937,7 @@
     </message>
     <message>
         <source>Use PL/SQL for Nested Data Sources</source>
-        <translation type="unfinished"></translation>
+        <translation>PL/SQL für geschachtelte Datenquellen benutzen</translation>
     </message>
     <message>
         <source>User name</source>
@@ -961,11 +961,11 @@
     </message>
     <message>
         <source>Write Consistency Level</source>
-        <translation type="unfinished"></translation>
+        <translation>Konsistenzstufe beim Schreiben</translation>
     </message>
     <message>
         <source>You cannot change column name.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Spaltenname kann nicht geändert werden.</translation>
     </message>
     <message>
         <source>a whole number from </source>
@@ -1001,19 +1001,19 @@
     </message>
     <message>
         <source>JSON files (*.json);;All files (*)</source>
-        <translation type="unfinished"></translation>
+        <translation>JSON-Dateien (*.json);;Alle Dateien (*)</translation>
     </message>
     <message>
         <source>JSON list, items: %1</source>
-        <translation type="unfinished"></translation>
+        <translation>JSON-Liste, Einträge: %1</translation>
     </message>
     <message>
         <source>JSON object, members: %1</source>
-        <translation type="unfinished"></translation>
+        <translation>JSON-Objekt, Mitglieder: %1</translation>
     </message>
     <message>
         <source>Reading the document...</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Dokument wird gelesen...</translation>
     </message>
     <message>
         <source> Verify that the current user has necessary privileges.</source>
@@ -1021,7 +1021,7 @@
     </message>
     <message>
         <source> Would you like to open it?</source>
-        <translation type="unfinished"></translation>
+        <translation> Möchten Sie sie öffnen?</translation>
     </message>
     <message>
         <source> You might be not authorized to perform this operation.</source>
@@ -1045,7 +1045,7 @@
     </message>
     <message>
         <source>Atribute name is not specified.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es ist kein Attributname angegeben.</translation>
     </message>
     <message>
         <source>Collection already exists.</source>
@@ -1069,11 +1069,11 @@
     </message>
     <message>
         <source>File has been successfully saved to </source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei wurde gespeichert unter </translation>
     </message>
     <message>
         <source>Find MongoDB Shell Executable</source>
-        <translation type="unfinished"></translation>
+        <translation>MongoDB-Shell suchen</translation>
     </message>
     <message>
         <source>GROUP BY clause is not specified for aggregate functions in the SQL statement.</source>
@@ -1113,7 +1113,7 @@
     </message>
     <message>
         <source>Invalid JSON document.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das JSON-Dokument ist ungültig.</translation>
     </message>
     <message>
         <source>Invalid LIMIT clause in SQL statement.</source>
@@ -1169,15 +1169,15 @@
     </message>
     <message>
         <source>Nested JSON List</source>
-        <translation type="unfinished"></translation>
+        <translation>Geschachtelte JSON-Liste</translation>
     </message>
     <message>
         <source>Nested JSON Object</source>
-        <translation type="unfinished"></translation>
+        <translation>Geschachteltes JSON-Objekt</translation>
     </message>
     <message>
         <source>Nested JSON Object/List</source>
-        <translation type="unfinished"></translation>
+        <translation>Geschachteltes JSON-Objekt/geschachtelte Liste</translation>
     </message>
     <message>
         <source>No GROUP BY columns are specified in SELECT clause.</source>
@@ -1233,7 +1233,7 @@
     </message>
     <message>
         <source>Such attrubute already exists.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein solches Attribut gibt es schon.</translation>
     </message>
     <message>
         <source>Table name is not specified.</source>
@@ -1253,11 +1253,11 @@
     </message>
     <message>
         <source>The cell holds no binary data.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Zelle enthält keine Binärdaten.</translation>
     </message>
     <message>
         <source>This row is a single value: it has no attributes but &quot;value&quot;.</source>
-        <translation type="unfinished"></translation>
+        <translation>Diese Zeile ist ein einzelner Wert: Sie hat außer &quot;value&quot; keine Attribute.</translation>
     </message>
     <message>
         <source>Unable to connect to MongoDB.</source>
@@ -1265,11 +1265,11 @@
     </message>
     <message>
         <source>Unable to connect to source database.</source>
-        <translation type="unfinished"></translation>
+        <translation>Keine Verbindung zur Quelldatenbank.</translation>
     </message>
     <message>
         <source>Unable to connect to target database.</source>
-        <translation type="unfinished"></translation>
+        <translation>Keine Verbindung zur Zieldatenbank.</translation>
     </message>
     <message>
         <source>Unable to copy data to system collection</source>
@@ -1309,7 +1309,7 @@
     </message>
     <message>
         <source>Unable to parse connection string.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Verbindungszeichenkette ist nicht lesbar.</translation>
     </message>
     <message>
         <source>Unable to parse index JSON list. Please verify if you have configured shell path for mongo.exe shell executable version 3.0 or later.</source>
@@ -1325,11 +1325,11 @@
     </message>
     <message>
         <source>Unknown</source>
-        <translation type="unfinished"></translation>
+        <translation>Unbekannt</translation>
     </message>
     <message>
         <source>View/Modify JSON Document</source>
-        <translation type="unfinished"></translation>
+        <translation>JSON-Dokument ansehen/ändern</translation>
     </message>
     <message>
         <source>You must specify MongoDB shell executable file mongo.exe  Exiting...</source>
@@ -1337,122 +1337,163 @@
     </message>
     <message>
         <source>A preview of %1 rows takes much time and memory. Are you sure to show it?</source>
-        <translation type="unfinished"></translation>
+        <translation>Eine Vorschau von %1 Zeilen braucht viel Zeit und Speicher. Soll sie gezeigt werden?</translation>
     </message>
     <message>
         <source>Are you sure to delete all JSON document data?</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Are you sure to discard all changes?</source>
-        <translation type="unfinished"></translation>
+        <translation>Sollen wirklich alle Daten des JSON-Dokuments gelöscht werden?</translation>
     </message>
     <message>
         <source>Please specify binary data type.</source>
-        <translation type="unfinished"></translation>
+        <translation>Bitte geben Sie die Art der Binärdaten an.</translation>
     </message>
     <message>
         <source>Would you like to save this database connection for future use?</source>
+        <translation>Möchten Sie diese Datenbankverbindung für später speichern?</translation>
+    </message>
+    <message>
+        <source>%1, bytes: %2</source>
+        <translation>%1, Bytes: %2</translation>
+    </message>
+    <message>
+        <source>%1, characters: %2</source>
+        <translation>%1, Zeichen: %2</translation>
+    </message>
+    <message>
+        <source>Cassandra</source>
         <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Configure</source>
+        <translation>Einrichten</translation>
+    </message>
+    <message>
+        <source>Connection JSON</source>
+        <translation>Verbindung als JSON</translation>
+    </message>
+    <message>
+        <source>Couchbase</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>JSON File</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Messages</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Oracle</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>list, items: %1</source>
+        <translation>Liste, Einträge: %1</translation>
+    </message>
+    <message>
+        <source>object, members: %1</source>
+        <translation>Objekt, Mitglieder: %1</translation>
     </message>
 </context>
 <context>
     <name>hollowmere::TAddAttributeDialog</name>
     <message>
         <source>Add Attribute</source>
-        <translation type="unfinished"></translation>
+        <translation>Attribut hinzufügen</translation>
     </message>
     <message>
         <source>Attribute name</source>
-        <translation type="unfinished"></translation>
+        <translation>Attributname</translation>
     </message>
     <message>
         <source>Attribute &amp;name</source>
-        <translation type="unfinished"></translation>
+        <translation>Attribut&amp;name</translation>
     </message>
 </context>
 <context>
     <name>hollowmere::TBlobPanel</name>
     <message>
         <source>Load Binary Value From File</source>
-        <translation type="unfinished"></translation>
+        <translation>Binärwert aus Datei laden</translation>
     </message>
     <message>
         <source>Save Binary Value To File</source>
-        <translation type="unfinished"></translation>
+        <translation>Binärwert in Datei speichern</translation>
     </message>
     <message>
         <source>Clear Binary Value</source>
-        <translation type="unfinished"></translation>
+        <translation>Binärwert leeren</translation>
     </message>
     <message>
         <source>Type of the binary data</source>
-        <translation type="unfinished"></translation>
+        <translation>Art der Binärdaten</translation>
     </message>
     <message>
         <source>File type for opening in another program</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateiart zum Öffnen in einem anderen Programm</translation>
     </message>
     <message>
         <source>Open Binary Value In Another Program</source>
-        <translation type="unfinished"></translation>
+        <translation>Binärwert in einem anderen Programm öffnen</translation>
     </message>
     <message>
         <source>Form of the binary value</source>
-        <translation type="unfinished"></translation>
+        <translation>Darstellung des Binärwerts</translation>
     </message>
     <message>
         <source>Binary value as a picture</source>
-        <translation type="unfinished"></translation>
+        <translation>Binärwert als Bild</translation>
     </message>
     <message>
         <source>Binary value as text</source>
-        <translation type="unfinished"></translation>
+        <translation>Binärwert als Text</translation>
     </message>
     <message>
         <source>Binary value in hexadecimal digits</source>
-        <translation type="unfinished"></translation>
+        <translation>Binärwert in Hexadezimalziffern</translation>
     </message>
     <message>
         <source>Picture</source>
-        <translation type="unfinished"></translation>
+        <translation>Bild</translation>
     </message>
     <message>
         <source>Text</source>
-        <translation type="unfinished"></translation>
+        <translation>Text</translation>
     </message>
     <message>
         <source>Other</source>
-        <translation type="unfinished"></translation>
+        <translation>Andere</translation>
     </message>
     <message>
         <source>%1 bytes</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 Bytes</translation>
     </message>
     <message>
         <source>No binary value is selected.</source>
-        <translation type="unfinished"></translation>
+        <translation>Es ist kein Binärwert gewählt.</translation>
     </message>
     <message>
         <source>
 (The first %1 bytes are shown.)</source>
-        <translation type="unfinished"></translation>
+        <translation>
+(Die ersten %1 Bytes werden gezeigt.)</translation>
     </message>
     <message>
         <source>These bytes are no picture that can be shown.</source>
-        <translation type="unfinished"></translation>
+        <translation>Diese Bytes sind kein darstellbares Bild.</translation>
     </message>
     <message>
         <source>Load Binary Value</source>
-        <translation type="unfinished"></translation>
+        <translation>Binärwert laden</translation>
     </message>
     <message>
         <source>Save Binary Value</source>
-        <translation type="unfinished"></translation>
+        <translation>Binärwert speichern</translation>
     </message>
     <message>
         <source>&quot;%1&quot; is not a file type such as png or pdf.</source>
-        <translation type="unfinished"></translation>
+        <translation>&quot;%1&quot; ist keine Dateiart wie png oder pdf.</translation>
     </message>
 </context>
 <context>
@@ -1463,44 +1504,44 @@
     </message>
     <message>
         <source>Find Previous</source>
-        <translation type="unfinished"></translation>
+        <translation>Vorheriges suchen</translation>
     </message>
     <message>
         <source>Find Next</source>
-        <translation type="unfinished"></translation>
+        <translation>Nächstes suchen</translation>
     </message>
     <message>
         <source>Match case</source>
-        <translation type="unfinished"></translation>
+        <translation>Groß-/Kleinschreibung</translation>
     </message>
     <message>
         <source>Regular expression</source>
-        <translation type="unfinished"></translation>
+        <translation>Regulärer Ausdruck</translation>
     </message>
     <message>
         <source>Close</source>
-        <translation type="unfinished"></translation>
+        <translation>Schließen</translation>
     </message>
     <message>
         <source>Find in: %1</source>
-        <translation type="unfinished"></translation>
+        <translation>Suchen in: %1</translation>
     </message>
     <message>
         <source>Lines that are too long are shown cut; the text cannot be edited here.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zu lange Zeilen werden gekürzt gezeigt; der Text kann hier nicht bearbeitet werden.</translation>
     </message>
     <message numerus="yes">
         <source>More than %n match(es)</source>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>Mehr als ein Treffer</numerusform>
+            <numerusform>Mehr als %n Treffer</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>%n match(es)</source>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
+        <translation>
+            <numerusform>Ein Treffer</numerusform>
+            <numerusform>%n Treffer</numerusform>
         </translation>
     </message>
 </context>
@@ -1508,7 +1549,7 @@
     <name>hollowmere::TConnectionModel</name>
     <message>
         <source>Configure...</source>
-        <translation type="unfinished"></translation>
+        <translation>Einrichten...</translation>
     </message>
 </context>
 <context>
@@ -1540,6 +1581,10 @@
     <message>
         <source>Reading the first rows...</source>
         <translation>Die ersten Zeilen werden gelesen ...</translation>
+    </message>
+    <message>
+        <source>View As &amp;Grid</source>
+        <translation>Als &amp;Tabelle ansehen</translation>
     </message>
 </context>
 <context>
@@ -1616,7 +1661,7 @@
     </message>
     <message>
         <source>The cipher (DES) keeps casual readers out. It does not withstand an expert: hand such a file only to people who may know the passwords.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Verschlüsselung (DES) hält nur zufällige Leser ab, keinen Fachmann: Geben Sie eine solche Datei nur Menschen, die die Kennwörter kennen dürfen.</translation>
     </message>
     <message>
         <source>&amp;Pass phrase</source>
@@ -1646,125 +1691,153 @@
     <name>hollowmere::TGridActions</name>
     <message>
         <source>&amp;Export Grid Data</source>
-        <translation type="unfinished"></translation>
+        <translation>Daten &amp;exportieren</translation>
     </message>
     <message>
         <source>Copy &amp;As</source>
-        <translation type="unfinished"></translation>
+        <translation>Kopieren &amp;als</translation>
     </message>
     <message>
         <source>&amp;Print</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Drucken</translation>
     </message>
     <message>
         <source>Print Pre&amp;view</source>
-        <translation type="unfinished"></translation>
+        <translation>Druck&amp;vorschau</translation>
     </message>
     <message>
         <source>Text in columns (*.txt)</source>
-        <translation type="unfinished"></translation>
+        <translation>Text in Spalten (*.txt)</translation>
     </message>
     <message>
         <source>Tab-separated text (*.txt *.tsv)</source>
-        <translation type="unfinished"></translation>
+        <translation>Text mit Tabulatoren (*.txt *.tsv)</translation>
     </message>
     <message>
         <source>Spreadsheet (*.xlsx)</source>
-        <translation type="unfinished"></translation>
+        <translation>Tabelle (*.xlsx)</translation>
     </message>
     <message>
         <source>HTML page (*.html)</source>
-        <translation type="unfinished"></translation>
+        <translation>HTML-Seite (*.html)</translation>
     </message>
     <message>
         <source>XML (*.xml)</source>
-        <translation type="unfinished"></translation>
+        <translation>XML (*.xml)</translation>
     </message>
     <message>
         <source>PDF (*.pdf)</source>
-        <translation type="unfinished"></translation>
+        <translation>PDF (*.pdf)</translation>
     </message>
     <message>
         <source>One document per line (*.json)</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Dokument je Zeile (*.json)</translation>
     </message>
     <message>
         <source>List of documents (*.json)</source>
-        <translation type="unfinished"></translation>
+        <translation>Liste von Dokumenten (*.json)</translation>
     </message>
     <message>
         <source>CSV, values as they are (*.csv)</source>
-        <translation type="unfinished"></translation>
+        <translation>CSV, Werte wie sie sind (*.csv)</translation>
     </message>
     <message>
         <source>CSV for spreadsheets, no formulas (*.csv)</source>
-        <translation type="unfinished"></translation>
+        <translation>CSV für Tabellenprogramme, ohne Formeln (*.csv)</translation>
     </message>
     <message>
         <source>&amp;Copy Selected</source>
-        <translation type="unfinished"></translation>
+        <translation>Auswahl &amp;kopieren</translation>
     </message>
     <message>
         <source>Copy A&amp;ll</source>
-        <translation type="unfinished"></translation>
+        <translation>A&amp;lles kopieren</translation>
     </message>
     <message>
         <source>Selected As &amp;CSV</source>
-        <translation type="unfinished"></translation>
+        <translation>Auswahl als &amp;CSV</translation>
     </message>
     <message>
         <source>Selected As &amp;JSON</source>
-        <translation type="unfinished"></translation>
+        <translation>Auswahl als &amp;JSON</translation>
     </message>
     <message>
         <source>All As C&amp;SV</source>
-        <translation type="unfinished"></translation>
+        <translation>Alles als C&amp;SV</translation>
     </message>
     <message>
         <source>All As JS&amp;ON</source>
-        <translation type="unfinished"></translation>
+        <translation>Alles als JS&amp;ON</translation>
     </message>
     <message>
         <source>%1 of %2 rows</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 von %2 Zeilen</translation>
     </message>
     <message>
         <source>Export Grid Data</source>
-        <translation type="unfinished"></translation>
+        <translation>Daten exportieren</translation>
     </message>
     <message>
         <source>Exporting to %1...</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 wird geschrieben...</translation>
     </message>
     <message>
         <source>Copying...</source>
-        <translation type="unfinished"></translation>
+        <translation>Es wird kopiert...</translation>
     </message>
     <message>
         <source>Printing...</source>
-        <translation type="unfinished"></translation>
+        <translation>Es wird gedruckt...</translation>
+    </message>
+    <message>
+        <source>&amp;Text</source>
+        <translation>&amp;Text</translation>
+    </message>
+    <message>
+        <source>&amp;Excel</source>
+        <translation>&amp;Excel</translation>
+    </message>
+    <message>
+        <source>&amp;HTML</source>
+        <translation>&amp;HTML</translation>
+    </message>
+    <message>
+        <source>&amp;XML</source>
+        <translation>&amp;XML</translation>
+    </message>
+    <message>
+        <source>&amp;PDF</source>
+        <translation>&amp;PDF</translation>
+    </message>
+    <message>
+        <source>&amp;JSON</source>
+        <translation>&amp;JSON</translation>
+    </message>
+    <message>
+        <source>&amp;CSV</source>
+        <translation>&amp;CSV</translation>
     </message>
 </context>
 <context>
     <name>hollowmere::TGridModel</name>
     <message>
         <source>This document has no such attribute.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dieses Dokument hat kein solches Attribut.</translation>
     </message>
     <message>
         <source>null</source>
-        <translation type="unfinished"></translation>
+        <translation>null</translation>
     </message>
 </context>
 <context>
     <name>hollowmere::TJsonTreeModel</name>
     <message>
         <source>A member above has this name; only the first of them is kept.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Mitglied weiter oben heißt schon so; nur das erste bleibt erhalten.</translation>
     </message>
     <message>
         <source>Name</source>
-        <translation type="unfinished"></translation>
+        <translation>Name</translation>
     </message>
     <message>
         <source>Value</source>
@@ -1772,7 +1845,7 @@
     </message>
     <message>
         <source>Kind</source>
-        <translation type="unfinished"></translation>
+        <translation>Art</translation>
     </message>
 </context>
 <context>
@@ -1839,7 +1912,7 @@
     </message>
     <message>
         <source>No fields of this data source are known yet: the preview beside the tree tells why.</source>
-        <translation type="unfinished"></translation>
+        <translation>Von dieser Datenquelle sind noch keine Felder bekannt: Die Vorschau neben dem Baum sagt, warum.</translation>
     </message>
     <message>
         <source>No rows</source>
@@ -1848,6 +1921,22 @@
     <message>
         <source>Row %1 of the first %2</source>
         <translation>Zeile %1 der ersten %2</translation>
+    </message>
+    <message>
+        <source>&amp;View Source Row</source>
+        <translation>&amp;Quellzeile ansehen</translation>
+    </message>
+    <message>
+        <source>View Docu&amp;ment</source>
+        <translation>Doku&amp;ment ansehen</translation>
+    </message>
+    <message>
+        <source>Source Row %1</source>
+        <translation>Quellzeile %1</translation>
+    </message>
+    <message>
+        <source>Resulting Document of Row %1</source>
+        <translation>Dokument aus Zeile %1</translation>
     </message>
 </context>
 <context>
@@ -1869,7 +1958,7 @@
     </message>
     <message>
         <source>The connections of this file are enciphered under a pass phrase.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Verbindungen in dieser Datei sind mit einem Kennsatz verschlüsselt.</translation>
     </message>
     <message>
         <source>&amp;Pass phrase</source>
@@ -2134,87 +2223,87 @@
     <name>hollowmere::TfrmJSON</name>
     <message>
         <source>JSON Documents</source>
-        <translation type="unfinished"></translation>
+        <translation>JSON-Dokumente</translation>
     </message>
     <message>
         <source>Documents</source>
-        <translation type="unfinished"></translation>
+        <translation>Dokumente</translation>
     </message>
     <message>
         <source>Form of the cell</source>
-        <translation type="unfinished"></translation>
+        <translation>Darstellung der Zelle</translation>
     </message>
     <message>
         <source>Value of the cell</source>
-        <translation type="unfinished"></translation>
+        <translation>Wert der Zelle</translation>
     </message>
     <message>
         <source>Val&amp;ue</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Wert</translation>
     </message>
     <message>
         <source>&amp;Binary Value</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Binärwert</translation>
     </message>
     <message>
         <source>&amp;Open JSON File...</source>
-        <translation type="unfinished"></translation>
+        <translation>JSON-Datei ö&amp;ffnen...</translation>
     </message>
     <message>
         <source>&amp;Add Row</source>
-        <translation type="unfinished"></translation>
+        <translation>Zeile &amp;hinzufügen</translation>
     </message>
     <message>
         <source>&amp;Delete Row</source>
-        <translation type="unfinished"></translation>
+        <translation>Zeile &amp;löschen</translation>
     </message>
     <message>
         <source>Ctrl+Del</source>
-        <translation type="unfinished"></translation>
+        <translation>Ctrl+Del</translation>
     </message>
     <message>
         <source>&amp;Clear Data</source>
-        <translation type="unfinished"></translation>
+        <translation>Daten lee&amp;ren</translation>
     </message>
     <message>
         <source>Add A&amp;ttribute...</source>
-        <translation type="unfinished"></translation>
+        <translation>A&amp;ttribut hinzufügen...</translation>
     </message>
     <message>
         <source>&amp;Undo</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Rückgängig</translation>
     </message>
     <message>
         <source>&amp;Format</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Formatieren</translation>
     </message>
     <message>
         <source>&amp;View as JSON Document</source>
-        <translation type="unfinished"></translation>
+        <translation>Als JSON-Dokument &amp;ansehen</translation>
     </message>
     <message>
         <source>Ctrl+J</source>
-        <translation type="unfinished"></translation>
+        <translation>Ctrl+J</translation>
     </message>
     <message>
         <source>As &amp;New Collection</source>
-        <translation type="unfinished"></translation>
+        <translation>Als &amp;neue Sammlung</translation>
     </message>
     <message>
         <source>Open</source>
-        <translation type="unfinished"></translation>
+        <translation>Öffnen</translation>
     </message>
     <message>
         <source>Clear</source>
-        <translation type="unfinished"></translation>
+        <translation>Leeren</translation>
     </message>
     <message>
         <source>Attribute</source>
-        <translation type="unfinished"></translation>
+        <translation>Attribut</translation>
     </message>
     <message>
         <source>View</source>
-        <translation type="unfinished"></translation>
+        <translation>Ansehen</translation>
     </message>
     <message>
         <source>&amp;File</source>
@@ -2222,7 +2311,7 @@
     </message>
     <message>
         <source>Page &amp;Setup...</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Seite einrichten...</translation>
     </message>
     <message>
         <source>&amp;Edit</source>
@@ -2230,7 +2319,7 @@
     </message>
     <message>
         <source>Export</source>
-        <translation type="unfinished"></translation>
+        <translation>Export</translation>
     </message>
     <message>
         <source>Find</source>
@@ -2238,35 +2327,35 @@
     </message>
     <message>
         <source>Any part of a cell</source>
-        <translation type="unfinished"></translation>
+        <translation>Irgendein Teil einer Zelle</translation>
     </message>
     <message>
         <source>F&amp;ind:</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Suchen:</translation>
     </message>
     <message>
         <source>Ne&amp;xt</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Weiter</translation>
     </message>
     <message>
         <source>P&amp;revious</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Zurück</translation>
     </message>
     <message>
         <source>First Page</source>
-        <translation type="unfinished"></translation>
+        <translation>Erste Seite</translation>
     </message>
     <message>
         <source>Previous Page</source>
-        <translation type="unfinished"></translation>
+        <translation>Vorige Seite</translation>
     </message>
     <message>
         <source>Next Page</source>
-        <translation type="unfinished"></translation>
+        <translation>Nächste Seite</translation>
     </message>
     <message>
         <source>Last Page</source>
-        <translation type="unfinished"></translation>
+        <translation>Letzte Seite</translation>
     </message>
     <message>
         <source>No rows</source>
@@ -2274,15 +2363,15 @@
     </message>
     <message>
         <source>Rows %1 to %2 of %3</source>
-        <translation type="unfinished"></translation>
+        <translation>Zeilen %1 bis %2 von %3</translation>
     </message>
     <message>
         <source>Opening %1...</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 wird geöffnet...</translation>
     </message>
     <message>
         <source>Open JSON File</source>
-        <translation type="unfinished"></translation>
+        <translation>JSON-Datei öffnen</translation>
     </message>
     <message>
         <source>JSON files (*.json *.jsonl);;All files (*)</source>
@@ -2290,7 +2379,15 @@
     </message>
     <message>
         <source>JSON Documents - %1</source>
-        <translation type="unfinished"></translation>
+        <translation>JSON-Dokumente - %1</translation>
+    </message>
+    <message>
+        <source>Are you sure to discard all changes?</source>
+        <translation type="unfinished">Sollen wirklich alle Änderungen verworfen werden?</translation>
+    </message>
+    <message>
+        <source>The text was not found.</source>
+        <translation>Der Text wurde nicht gefunden.</translation>
     </message>
 </context>
 <context>
@@ -2365,15 +2462,15 @@
     </message>
     <message>
         <source>this type of</source>
-        <translation type="unfinished"></translation>
+        <translation>dieser Art von</translation>
     </message>
     <message>
         <source>There is no browser window for %1 databases in this version yet. Connections of this type can be used in load projects where the store is supported.</source>
-        <translation type="unfinished"></translation>
+        <translation>Für Datenbanken der Art %1 gibt es in dieser Version noch kein eigenes Fenster. In Ladeprojekten können Verbindungen dieser Art benutzt werden, soweit sie unterstützt wird.</translation>
     </message>
     <message>
         <source>This build has no assistant for migration projects yet.</source>
-        <translation type="unfinished"></translation>
+        <translation>Einen Assistenten für Migrationsprojekte gibt es in dieser Version noch nicht.</translation>
     </message>
     <message>
         <source>This build has no Oracle connector: a migration project cannot be created from an Oracle schema.</source>
@@ -2385,7 +2482,7 @@
     </message>
     <message>
         <source>&lt;b&gt;Hollowmere %1&lt;/b&gt;&lt;p&gt;Moves data between databases and JSON files.&lt;/p&gt;&lt;p&gt;Free software under the GNU General Public License, version 3 or later.&lt;/p&gt;</source>
-        <translation type="unfinished"></translation>
+        <translation>&lt;b&gt;Hollowmere %1&lt;/b&gt;&lt;p&gt;Überträgt Daten zwischen Datenbanken und JSON-Dateien.&lt;/p&gt;&lt;p&gt;Freie Software unter der GNU General Public License, Version 3 oder neuer.&lt;/p&gt;</translation>
     </message>
     <message>
         <source>Open JSON Document</source>
@@ -2474,15 +2571,15 @@
     <name>hollowmere::TfrmViewJSON</name>
     <message>
         <source>Form of the document</source>
-        <translation type="unfinished"></translation>
+        <translation>Darstellung des Dokuments</translation>
     </message>
     <message>
         <source>Add</source>
-        <translation type="unfinished"></translation>
+        <translation>Hinzufügen</translation>
     </message>
     <message>
         <source>Ins</source>
-        <translation type="unfinished"></translation>
+        <translation>Ins</translation>
     </message>
     <message>
         <source>Delete</source>
@@ -2490,23 +2587,23 @@
     </message>
     <message>
         <source>Clear</source>
-        <translation type="unfinished"></translation>
+        <translation>Leeren</translation>
     </message>
     <message>
         <source>Up</source>
-        <translation type="unfinished"></translation>
+        <translation>Nach oben</translation>
     </message>
     <message>
         <source>Ctrl+Up</source>
-        <translation type="unfinished"></translation>
+        <translation>Ctrl+Up</translation>
     </message>
     <message>
         <source>Down</source>
-        <translation type="unfinished"></translation>
+        <translation>Nach unten</translation>
     </message>
     <message>
         <source>Ctrl+Down</source>
-        <translation type="unfinished"></translation>
+        <translation>Ctrl+Down</translation>
     </message>
     <message>
         <source>Undo</source>
@@ -2518,47 +2615,47 @@
     </message>
     <message>
         <source>Format</source>
-        <translation type="unfinished"></translation>
+        <translation>Formatieren</translation>
     </message>
     <message>
         <source>Ctrl+Shift+F</source>
-        <translation type="unfinished"></translation>
+        <translation>Ctrl+Shift+F</translation>
     </message>
     <message>
         <source>Load From File</source>
-        <translation type="unfinished"></translation>
+        <translation>Aus Datei laden</translation>
     </message>
     <message>
         <source>Save To File</source>
-        <translation type="unfinished"></translation>
+        <translation>In Datei speichern</translation>
     </message>
     <message>
         <source>Print</source>
-        <translation type="unfinished"></translation>
+        <translation>Drucken</translation>
     </message>
     <message>
         <source>Binary Value</source>
-        <translation type="unfinished"></translation>
+        <translation>Binärwert</translation>
     </message>
     <message>
         <source>Copy Value</source>
-        <translation type="unfinished"></translation>
+        <translation>Wert kopieren</translation>
     </message>
     <message>
         <source>Copy Path</source>
-        <translation type="unfinished"></translation>
+        <translation>Pfad kopieren</translation>
     </message>
     <message>
         <source>Ctrl+Shift+C</source>
-        <translation type="unfinished"></translation>
+        <translation>Ctrl+Shift+C</translation>
     </message>
     <message>
         <source>Paste As Child</source>
-        <translation type="unfinished"></translation>
+        <translation>Als Kind einfügen</translation>
     </message>
     <message>
         <source>Expand All</source>
-        <translation type="unfinished"></translation>
+        <translation>Alles aufklappen</translation>
     </message>
     <message>
         <source>Find</source>
@@ -2566,103 +2663,103 @@
     </message>
     <message>
         <source>Find Next</source>
-        <translation type="unfinished"></translation>
+        <translation>Nächstes suchen</translation>
     </message>
     <message>
         <source>Find Previous</source>
-        <translation type="unfinished"></translation>
+        <translation>Vorheriges suchen</translation>
     </message>
     <message>
         <source>Change &amp;Kind</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Art ändern</translation>
     </message>
     <message>
         <source>Text</source>
-        <translation type="unfinished"></translation>
+        <translation>Text</translation>
     </message>
     <message>
         <source>Number</source>
-        <translation type="unfinished"></translation>
+        <translation>Zahl</translation>
     </message>
     <message>
         <source>Boolean</source>
-        <translation type="unfinished"></translation>
+        <translation>Wahrheitswert</translation>
     </message>
     <message>
         <source>Null</source>
-        <translation type="unfinished"></translation>
+        <translation>Null</translation>
     </message>
     <message>
         <source>Date-Time</source>
-        <translation type="unfinished"></translation>
+        <translation>Datum und Zeit</translation>
     </message>
     <message>
         <source>Binary</source>
-        <translation type="unfinished"></translation>
+        <translation>Binär</translation>
     </message>
     <message>
         <source>Find in names and values</source>
-        <translation type="unfinished"></translation>
+        <translation>In Namen und Werten suchen</translation>
     </message>
     <message>
         <source>Document as a tree</source>
-        <translation type="unfinished"></translation>
+        <translation>Dokument als Baum</translation>
     </message>
     <message>
         <source>T&amp;ree</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Baum</translation>
     </message>
     <message>
         <source>Document as text</source>
-        <translation type="unfinished"></translation>
+        <translation>Dokument als Text</translation>
     </message>
     <message>
         <source>Te&amp;xt</source>
-        <translation type="unfinished"></translation>
+        <translation>Te&amp;xt</translation>
     </message>
     <message>
         <source>Ctrl+Return</source>
-        <translation type="unfinished"></translation>
+        <translation>Ctrl+Return</translation>
     </message>
     <message>
         <source>Edit %1</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 bearbeiten</translation>
     </message>
     <message>
         <source>More than %1 found</source>
-        <translation type="unfinished"></translation>
+        <translation>Mehr als %1 gefunden</translation>
     </message>
     <message>
         <source>%1 found</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 gefunden</translation>
     </message>
     <message>
         <source>Line %1, column %2</source>
-        <translation type="unfinished"></translation>
+        <translation>Zeile %1, Spalte %2</translation>
     </message>
     <message>
         <source>Writing the document as text...</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Dokument wird als Text geschrieben...</translation>
     </message>
     <message>
         <source>Reading the document...</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Dokument wird gelesen...</translation>
     </message>
     <message>
         <source>Formatting the document...</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Dokument wird formatiert...</translation>
     </message>
     <message>
         <source>Load JSON Document</source>
-        <translation type="unfinished"></translation>
+        <translation>JSON-Dokument laden</translation>
     </message>
     <message>
         <source>Save JSON Document</source>
-        <translation type="unfinished"></translation>
+        <translation>JSON-Dokument speichern</translation>
     </message>
     <message>
         <source>The document has more than %1 rows and is too large to be printed.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Dokument hat mehr als %1 Zeilen und ist zu groß zum Drucken.</translation>
     </message>
 </context>
 </TS>

@@ -4,6 +4,7 @@
 #include <QDesktopServices>
 #include <QEvent>
 #include <QFileInfo>
+#include <QLibraryInfo>
 #include <QSettings>
 #include <QTimer>
 #include <QTranslator>
@@ -53,12 +54,18 @@ class TEndAfterPaint : public QObject {
   }
 };
 
-/// Another language than English is asked for in the settings store, as "de" in Ui/language.
-void takeLanguage(QTranslator& translator, const QSettings& store) {
+/// Another language than English is asked for in the settings store, as "de" in Ui/language. The toolkit
+/// brings its own texts, of the buttons for example, where its translations are installed.
+void takeLanguage(const QSettings& store) {
   const QString language = store.value(QStringLiteral("Ui/language")).toString();
-  const QString folder = QCoreApplication::applicationDirPath() + QStringLiteral("/translations");
-  if (!language.isEmpty() && translator.load(QStringLiteral("hollowmere_") + language, folder))
-    QCoreApplication::installTranslator(&translator);
+  if (language.isEmpty()) return;
+  const auto take = [&](const QString& name, const QString& folder) {
+    auto* translator = new QTranslator(qApp);
+    if (translator->load(name + language, folder)) QCoreApplication::installTranslator(translator);
+  };
+  take(QStringLiteral("qtbase_"), QLibraryInfo::path(QLibraryInfo::TranslationsPath));
+  take(QStringLiteral("hollowmere_"),
+       QCoreApplication::applicationDirPath() + QStringLiteral("/translations"));
 }
 
 void openOutside(const QString& target) {
@@ -74,8 +81,7 @@ int runWindows(int argc, char** argv, const std::string& projectFile) {
   try {
     TProgram program(prompt);
     const auto store = openSettingsStore();
-    QTranslator translator;
-    takeLanguage(translator, *store);
+    takeLanguage(*store);
     TQtMainThread mainThread;
     TWindowContext context{program.settings, *store,        program.folder, program.stores,
                            program.cipher,   program.files, program.clock,  program.dates,

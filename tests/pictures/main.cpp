@@ -1,5 +1,5 @@
-// pictures FOLDER [dark]: draws every window offscreen into FOLDER/NAME.png. QT_SCALE_FACTOR=2 for the
-// pictures of a display with twice the pixels.
+// pictures FOLDER [dark | LANGUAGE]: draws every window offscreen into FOLDER/NAME.png. QT_SCALE_FACTOR=2 for
+// the pictures of a display with twice the pixels.
 #include <QApplication>
 #include <QBuffer>
 #include <QDir>
@@ -12,6 +12,7 @@
 #include <QStyleFactory>
 #include <QTabWidget>
 #include <QTableView>
+#include <QTranslator>
 #include <QTreeView>
 #include <chrono>
 #include <cstdio>
@@ -330,11 +331,22 @@ int run(int argc, char** argv) {
   QApplication application(argc, argv);
   const QStringList arguments = QCoreApplication::arguments();
   if (arguments.size() < 2) {
-    std::fputs("usage: pictures FOLDER [dark]\n", stderr);
+    std::fputs("usage: pictures FOLDER [dark | LANGUAGE]\n", stderr);
     return 2;
   }
   QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-  if (arguments.value(2) == QLatin1String("dark")) QApplication::setPalette(darkPalette());
+  const QString form = arguments.value(2);
+  QTranslator translator;
+  if (form == QLatin1String("dark")) {
+    QApplication::setPalette(darkPalette());
+  } else if (!form.isEmpty()) {
+    const QString folder = QCoreApplication::applicationDirPath() + QStringLiteral("/translations");
+    if (!translator.load(QStringLiteral("hollowmere_") + form, folder)) {
+      std::fprintf(stderr, "pictures: no translation for %s\n", qPrintable(form));
+      return 2;
+    }
+    QCoreApplication::installTranslator(&translator);
+  }
   QDir().mkpath(arguments[1]);
   TPictures pictures(arguments[1]);
   pictures.all();
