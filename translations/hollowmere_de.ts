@@ -2492,6 +2492,12 @@
         <source>JSON documents (*.json *.jsonl);;All files (*)</source>
         <translation>JSON-Dokumente (*.json *.jsonl);;Alle Dateien (*)</translation>
     </message>
+    <message>
+        <source>Begin with a new project, open one, or drop a project or a JSON file here.
+F1 shows the help.</source>
+        <translation>Legen Sie ein neues Projekt an, öffnen Sie eines, oder ziehen Sie ein Projekt oder eine JSON-Datei hierher.
+F1 zeigt die Hilfe.</translation>
+    </message>
 </context>
 <context>
     <name>hollowmere::TfrmOption</name>

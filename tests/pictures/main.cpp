@@ -299,7 +299,7 @@ class TPictures {
     TProjectFile(world_.cipher, world_.files).save(sample, file);
     TfrmMain window(world_.context);
     window.resize(1200, 750);
-    window.show();
+    save(window, QStringLiteral("frmmain_empty"));
     window.openProject(QString::fromStdString(file));
     window.openConnectionList();
     window.openProject(QString::fromStdString(file));

@@ -13,6 +13,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPainter>
 #include <QSettings>
 #include <QStatusBar>
 #include <QTabBar>
@@ -42,6 +43,24 @@ const QString& placementGroup() {
   static const QString group = QStringLiteral("Main");
   return group;
 }
+
+/// The area for the windows. While there are none it says how to get one.
+class TWindowArea : public QMdiArea {
+ public:
+  TWindowArea(const QString& hint, QWidget* parent) : QMdiArea(parent), hint_(hint) {}
+
+ protected:
+  void paintEvent(QPaintEvent* event) override {
+    QMdiArea::paintEvent(event);
+    if (!subWindowList().isEmpty()) return;
+    QPainter painter(viewport());
+    painter.setPen(background().color().lightness() < 128 ? Qt::white : Qt::black);
+    painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, hint_);
+  }
+
+ private:
+  QString hint_;
+};
 
 TMdiChild* childOf(const QMdiSubWindow* window) {
   return window ? qobject_cast<TMdiChild*>(window->widget()) : nullptr;
@@ -98,7 +117,9 @@ TfrmMain::TfrmMain(TWindowContext& context, int noticesAfter)
   tabs_->setTabsClosable(true);
   tabs_->setExpanding(false);
   tabs_->setElideMode(Qt::ElideMiddle);
-  area_ = new QMdiArea(centre);
+  area_ = new TWindowArea(
+      tr("Begin with a new project, open one, or drop a project or a JSON file here.\nF1 shows the help."),
+      centre);
   area_->setObjectName(QStringLiteral("area"));
   layout->addWidget(tabs_);
   layout->addWidget(area_, 1);

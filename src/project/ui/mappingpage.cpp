@@ -259,7 +259,10 @@ void TMappingPage::makePreview() {
   viewRow_->setObjectName(QStringLiteral("bViewRow"));
   viewDocument_ = new QPushButton(themeIcon("edit-find"), tr("View Docu&ment"), panel);
   viewDocument_->setObjectName(QStringLiteral("bViewDocument"));
-  for (QPushButton* button : {viewRow_, viewDocument_, previous_, next_}) bar->addWidget(button);
+  for (QPushButton* button : {viewRow_, viewDocument_, previous_, next_}) {
+    button->setEnabled(false);  // until there is a preview
+    bar->addWidget(button);
+  }
   connect(viewRow_, &QPushButton::clicked, this, &TMappingPage::bViewRowClick);
   connect(viewDocument_, &QPushButton::clicked, this, &TMappingPage::bViewDocumentClick);
   connect(previous_, &QPushButton::clicked, this, [this] { showRow(row_ - 1); });
