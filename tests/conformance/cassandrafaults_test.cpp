@@ -427,6 +427,7 @@ TEST_P(CassandraFaults, TargetsThatAreNone) {
   EXPECT_EQ(fault("nowhere.out"), "Unable to determine target Cassandra keyspace : nowhere");
   EXPECT_EQ(fault("shop.nothing"), "Unable to determine target Cassandra column family : nothing");
   EXPECT_EQ(fault("Shop.\"out\""), "");
+  EXPECT_EQ(fault("\"no.\"\"where\".out"), "Unable to determine target Cassandra keyspace : no.\"where");
 }
 
 TEST_P(CassandraFaults, NestedQueriesAreBoundByType) {
