@@ -106,6 +106,14 @@ class TStoreConnector {
   virtual void checkSource(const TStoreOptions& options) const = 0;
   virtual void checkTarget(const TStoreOptions& options) const = 0;
 
+  /// Fields that every document for a target must have, as the store's schema says; compared without regard
+  /// to letter case. Asked of the server before a run; empty where the store knows none, or not the target.
+  /// Throws TStoreError (Connect).
+  [[nodiscard]] virtual std::vector<std::string> requiredFields(const TStoreOptions& /*options*/,
+                                                                const TDataTarget& /*target*/) const {
+    return {};
+  }
+
   /// Rows (or bytes) of a root data source. Throws TStoreError.
   virtual std::int64_t count(const TStoreOptions& options, const TDataSource& source) const = 0;
   /// Whether a definition can be a query of this store, as far as its text alone tells: empty when it can,

@@ -23,6 +23,13 @@ bool targetExists(const TProject& project, const std::string& name) {
                      [&](const TDataTarget& target) { return target.name == name; });
 }
 
+/// Whether a child of the root mapping writes the field.
+bool isMapped(const TMapNode& root, const std::string& field) {
+  return std::any_of(root.children.begin(), root.children.end(), [&](const TMapNode& child) {
+    return equalIgnoringCase(makeNodePlan({child.target, child.source, {}, {}}).target, field);
+  });
+}
+
 std::string quoted(const std::string& text) { return "\"" + text + "\""; }
 
 /// Walks the tree and gathers what is wrong, in the order in which a start looks.
@@ -51,11 +58,7 @@ class TFaultFinder {
 
   void checkRequired(const TMapNode& root, const TNodePath& path) {
     const auto& required = target_->traits().requiredField;
-    const auto maps = [&](const TMapNode& child) {
-      return equalIgnoringCase(makeNodePlan({child.target, child.source, {}, {}}).target, required->name);
-    };
-    if (required && std::none_of(root.children.begin(), root.children.end(), maps))
-      add(path, required->message + root.target);
+    if (required && !isMapped(root, required->name)) add(path, required->message + root.target);
   }
 
   /// The plan of a node, or nothing when its type is not known.
@@ -132,6 +135,20 @@ std::string checkTypes(const TProject& project, const TStoreConnector* source,
   return {};
 }
 
+/// What the schema of a target demands and no child of its mapping writes. Rows of a mapping without children
+/// go as they are.
+std::string checkRequiredFields(const TProject& project, const TStoreConnector& store,
+                                const TStoreOptions& options) {
+  for (const TMapNode& root : project.mapping) {
+    const auto target = std::find_if(project.dataTargets.begin(), project.dataTargets.end(),
+                                     [&](const TDataTarget& each) { return each.name == root.target; });
+    if (root.children.empty() || target == project.dataTargets.end()) continue;
+    for (const std::string& field : store.requiredFields(options, *target))
+      if (!isMapped(root, field)) return runtexts::notMapped + field;
+  }
+  return {};
+}
+
 /// The store's own words: our fixed text about it stands before them already.
 std::string storeMessage(const TStoreError& error) {
   return error.detail().empty() || error.text().ends_with(':') ? error.what() : error.detail();
@@ -162,14 +179,16 @@ std::string checkProject(const TProject& project, const TStoreRegistry& stores, 
   const TStoreConnector* target = stores.find(project.target.dbType);
   if (std::string fault = checkTypes(project, source, target); !fault.empty()) return fault;
   const char* side = runtexts::connectSource;
+  TStoreOptions options = sourceOptions(project, bufferBytes);
+  options.stop = stop;
+  std::string unmapped;
   try {
     background([&] {
-      TStoreOptions options = sourceOptions(project, bufferBytes);
-      options.stop = stop;
       source->checkSource(options);
       side = runtexts::connectTarget;
       options.connection = project.target.connection;
       target->checkTarget(options);
+      unmapped = checkRequiredFields(project, *target, options);
     });
   } catch (const TStoreError& error) {
     return side + storeMessage(error);
@@ -177,7 +196,8 @@ std::string checkProject(const TProject& project, const TStoreRegistry& stores, 
   if (project.dataSources.empty()) return runtexts::noSources;
   if (project.dataTargets.empty()) return runtexts::noTargets;
   if (project.mapping.empty()) return runtexts::noMapping;
-  return checkMapping(project, *source, *target);
+  const std::string fault = checkMapping(project, *source, *target);
+  return fault.empty() ? unmapped : fault;
 }
 
 std::vector<TMappingFault> mappingFaults(const TProject& project, const TStoreConnector* source,

@@ -22,6 +22,7 @@ inline constexpr char noSources[] = "No data sources defined.";
 inline constexpr char noTargets[] = "No data targets defined.";
 inline constexpr char noMapping[] = "No data mapping defined.";
 inline constexpr char noTarget[] = "Unable to find data target: ";
+inline constexpr char notMapped[] = "Required data field is not mapped: ";
 inline constexpr char confirmStart[] = "Are you sure to start load operation?";
 inline constexpr char confirmStop[] = "Are you sure to stop load operation?";
 inline constexpr char working[] = "Working...";

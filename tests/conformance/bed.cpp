@@ -2,9 +2,12 @@
 
 #include <atomic>
 #include <cstdio>
+#include <cstdlib>
+#include <iterator>
 #include <map>
 #include <mutex>
 #include <set>
+#include <sstream>
 
 #include "connectors/cassandra/cassandraclient.h"
 #include "connectors/cassandra/cassandraconnector.h"
@@ -94,8 +97,7 @@ class TCassandraBed : public TBed {
     keepsOrder = keepsKinds = hasKeys = takesAny = nests = false;
     rangesShares = overwrites = true;
     emptySource = "Cassandra data source CQL query does not return rows: select * from ";
-    strangerFault =
-        "Authentication error. You must supply valid username and password to login to Cassandra database.";
+    strangerFault = "and/or password are incorrect";
   }
 
   [[nodiscard]] const TStoreConnector& connector() const override { return *connector_; }
@@ -108,6 +110,9 @@ class TCassandraBed : public TBed {
   }
   [[nodiscard]] TDataSource source(const std::string& collection, const std::string& query) const override {
     return cassandraSource(collection, query);
+  }
+  [[nodiscard]] TValue strangersConnection() const override {
+    return cassandraRecord(sharedCassandra("3.11 --auth").port(), "nobody", "wrong secret");
   }
   [[nodiscard]] TValue nowhere() const override { return cassandraRecord(1); }
 
@@ -134,7 +139,7 @@ class TCassandraStandInBed : public TCassandraBed {
 
   [[nodiscard]] TValue strangersConnection() const override {
     server_->setPassword("right");
-    return cassandraRecord(server_->port());
+    return cassandraRecord(server_->port(), "nobody", "wrong secret");
   }
 
  protected:
@@ -228,24 +233,29 @@ class THBaseStandInBed : public THBaseBed {
 }  // namespace
 
 std::vector<TBedKind> bedKinds() {
-  return {{"Toy", [] { return std::make_unique<TToyBed>(); }},
-          {"JsonFile", [] { return std::make_unique<TJsonFileBed>(); }},
-          {"MongoStandIn",
-           [] { return std::make_unique<TStandInBed>(std::make_unique<mongowire::TMongoStandIn>()); }},
-          {"CassandraStandIn",
-           [] {
-             return std::make_unique<TCassandraStandInBed>(std::make_unique<casswire::TCassandraStandIn>());
-           }},
-          {"CassandraOldStandIn",
-           [] {
-             return std::make_unique<TCassandraStandInBed>(
-                 std::make_unique<casswire::TCassandraStandIn>("2.1.22"));
-           }},
-          {"CassandraServer", [] { return std::make_unique<TCassandraBed>(sharedCassandra().port()); }},
-          {"MongoServer", [] { return std::make_unique<TMongoBed>(sharedServer().port()); }},
-          {"HBaseStandIn",
-           [] { return std::make_unique<THBaseStandInBed>(std::make_unique<hbasewire::THBaseStandIn>()); }},
-          {"HBaseServer", [] { return std::make_unique<THBaseBed>(sharedHBase().port()); }}};
+  std::vector<TBedKind> kinds = {
+      {"Toy", [] { return std::make_unique<TToyBed>(); }},
+      {"JsonFile", [] { return std::make_unique<TJsonFileBed>(); }},
+      {"MongoStandIn",
+       [] { return std::make_unique<TStandInBed>(std::make_unique<mongowire::TMongoStandIn>()); }},
+      {"CassandraStandIn",
+       [] {
+         return std::make_unique<TCassandraStandInBed>(std::make_unique<casswire::TCassandraStandIn>());
+       }},
+      {"CassandraOldStandIn",
+       [] {
+         return std::make_unique<TCassandraStandInBed>(
+             std::make_unique<casswire::TCassandraStandIn>("2.1.22"));
+       }},
+      {"CassandraServer", [] { return std::make_unique<TCassandraBed>(sharedCassandra().port()); }},
+      {"MongoServer", [] { return std::make_unique<TMongoBed>(sharedServer().port()); }},
+      {"HBaseStandIn",
+       [] { return std::make_unique<THBaseStandInBed>(std::make_unique<hbasewire::THBaseStandIn>()); }},
+      {"HBaseServer", [] { return std::make_unique<THBaseBed>(sharedHBase().port()); }}};
+  for (const std::string& release : moreCassandraReleases())
+    kinds.push_back({"CassandraServer" + release.substr(0, 1) + release.substr(2),
+                     [release] { return std::make_unique<TCassandraBed>(sharedCassandra(release).port()); }});
+  return kinds;
 }
 
 TValue hbaseRecord(std::uint16_t port) {
@@ -292,9 +302,15 @@ TDataSource cassandraSource(const std::string& table, const std::string& query) 
           0};
 }
 
-const TLocalServer& sharedCassandra() {
-  static const TLocalServer server({}, "cassandra");
-  return server;
+const TLocalServer& sharedCassandra(const std::string& release) {
+  static std::map<std::string, TLocalServer> servers;
+  return servers.try_emplace(release, "--version " + release, "cassandra").first->second;
+}
+
+std::vector<std::string> moreCassandraReleases() {
+  const char* wanted = std::getenv("HOLLOWMERE_CASSANDRA_VERSIONS");
+  std::istringstream words(wanted ? wanted : "");
+  return {std::istream_iterator<std::string>(words), {}};
 }
 
 const TLocalServer& sharedServer() {

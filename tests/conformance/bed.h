@@ -85,7 +85,10 @@ TDataSource mongoSource(const std::string& collection, const std::string& query 
 /// A Cassandra connection record.
 TValue cassandraRecord(std::uint16_t port, const std::string& user = {}, const std::string& password = {});
 TDataSource cassandraSource(const std::string& table, const std::string& query = {});
-const TLocalServer& sharedCassandra();
+/// As sharedServer(): a real Cassandra of a release ("3.11", "2.1 --auth").
+const TLocalServer& sharedCassandra(const std::string& release = "3.11");
+/// Releases that are tested besides 3.11 and 2.1: those that HOLLOWMERE_CASSANDRA_VERSIONS names ("2.2 3.0").
+std::vector<std::string> moreCassandraReleases();
 /// The server process of this test program, started when it is first needed.
 const TLocalServer& sharedServer();
 

@@ -227,7 +227,7 @@ TEST_F(HBaseFaults, ASilentServerIsLeft) {
   const auto start = steady_clock::now();
   const auto [keys, fault] = read({}, 1);
   EXPECT_EQ(keys, "101 102 103 ");
-  EXPECT_NE(fault.find("did not answer within 1 seconds."), std::string::npos) << fault;
+  EXPECT_NE(fault.find("did not answer within 1 second."), std::string::npos) << fault;
   write(*writer(10, 1), 1, 10);
   EXPECT_EQ(sink.storedCount, 0);
   EXPECT_EQ(sink.refusals.size(), 10U);

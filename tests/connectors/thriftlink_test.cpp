@@ -8,6 +8,10 @@
 #include <functional>
 #include <thread>
 
+#include "connectors/cassandra/cassandraclient.h"
+#include "connectors/hbase/hbaseclient.h"
+#include "connectors/hbase/hbasefault.h"
+
 namespace hollowmere {
 namespace {
 
@@ -145,6 +149,8 @@ TEST(ThriftLink, WrongAnswersAreNamed) {
        " announced an answer of 4294967295 bytes; at most 268435456 are taken."},
       {std::string("\x80\x01\0\x02", 4), TThriftFaultKind::NotFramed,
        " answers without frames; it must use the framed transport."},
+      {std::string("\x83\0\0\0\0\0\0\0\x04", 9), TThriftFaultKind::NotFramed,
+       " answers in Cassandra's native protocol; the Thrift interface is on another port (9160)."},
       {"HTTP/1.1 400 Bad Request\r\n\r\n", TThriftFaultKind::NotFramed,
        " is a web server, not a Thrift server with framed transport."},
   };
@@ -180,7 +186,7 @@ TEST(ThriftLink, RefusedUnknownAndSilent) {
   });
   TThriftOptions options = silent.options();
   options.answerTime = milliseconds(200);
-  EXPECT_EQ(callText(options, &kind), options.where() + " did not answer within 1 seconds.");
+  EXPECT_EQ(callText(options, &kind), options.where() + " did not answer within 1 second.");
   EXPECT_EQ(kind, TThriftFaultKind::TimedOut);
 }
 
@@ -202,6 +208,78 @@ TEST(ThriftLink, AStopEndsWaiting) {
   stopper.join();
   EXPECT_EQ(kind, TThriftFaultKind::Stopped);
   EXPECT_LT(TTime::now() - begin, milliseconds(3000));
+}
+
+TEST(ThriftLink, ACallAfterTheStopIsStillAnswered) {
+  TScriptedPeer slow([](int connection) {
+    hear(connection);
+    std::this_thread::sleep_for(milliseconds(200));
+    say(connection, replyBytes("late"));
+  });
+  TStopFlag stop;
+  TThriftOptions options = slow.options();
+  options.stop = &stop;
+  TThriftLink link(options);
+  stop.set();
+  std::this_thread::sleep_for(milliseconds(1100));
+  sendCall(link);
+  EXPECT_EQ(readReply(link), "late");
+}
+
+/// A framed reply: the method, and the bytes of the result.
+std::string replyOf(const std::string& method, std::string_view result) {
+  const std::string body = std::string("\x80\x01\0\x02\0\0\0", 7) + static_cast<char>(method.size()) +
+                           method + std::string(4, '\0') + std::string(result);
+  return std::string(3, '\0') + static_cast<char>(body.size()) + body;
+}
+
+constexpr std::string_view manyRows("\x0f\0\0\x0c\x7f\xff\xff\xff", 8);  // list of structs, 2^31 - 1 of them
+constexpr std::string_view longText("\x0f\0\0\x0b\0\0\0\1\x7f\xff\xff\xff",
+                                    12);  // list with one text of 2 GB
+constexpr std::string_view noNames("\x0f\0\0\x0b\0\0\0\0\0", 9);
+
+TEST(ThriftLink, AnswersThatClaimMoreThanTheyHoldAreRefusedBeforeMemoryIsTaken) {
+  // Within the struct of a result: its rows, or the name of its first row's first column.
+  const std::string manyCassRows = std::string("\x0c\0\0\x0f\0\2", 6) + std::string(manyRows.substr(3));
+  const std::string longCassText = std::string("\x0c\0\0\x0f\0\2\x0c\0\0\0\1\x0b\0\1\x7f\xff\xff\xff", 18);
+  for (const std::string& lie : {manyCassRows, longCassText}) {
+    TScriptedPeer peer([&](int connection) {
+      hear(connection);
+      say(connection, replyOf("execute_cql3_query", lie));
+      hear(connection);
+    });
+    TStoreOptions options;
+    options.connection = TObject{{"host", "127.0.0.1"}, {"port", static_cast<int>(peer.options().port)}};
+    try {
+      TCassandraClient client(options, "No connection.");
+      ADD_FAILURE() << "it was believed";
+    } catch (const TStoreError& error) {
+      EXPECT_NE(error.detail().find("cannot be read: TProtocolException: Exceeded size limit"),
+                std::string::npos)
+          << error.detail();
+    }
+  }
+  for (const std::string_view lie : {manyRows, longText}) {
+    TScriptedPeer peer([&](int connection) {
+      hear(connection);
+      say(connection, replyOf("getTableNames", noNames));
+      hear(connection);
+      say(connection, replyOf(lie == longText ? "getTableNames" : "getTableRegions", lie));
+      hear(connection);
+    });
+    TThriftOptions options = peer.options();
+    options.answerTime = milliseconds(2000);
+    THBaseClient client(options);
+    try {
+      if (lie == longText)
+        client.tables();
+      else
+        client.regions("t");
+      ADD_FAILURE() << "it was believed";
+    } catch (const THBaseFault& fault) {
+      EXPECT_NE(std::string(fault.what()).find("Exceeded size limit"), std::string::npos) << fault.what();
+    }
+  }
 }
 
 TEST(ThriftLink, AnUnframedServerIsRecognised) {

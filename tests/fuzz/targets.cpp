@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "connectors/cassandra/cassbind.h"
+#include "connectors/cassandra/cassvalue.h"
 #include "connectors/datetimetext.h"
 #include "connectors/hbase/hbasefiltertext.h"
 #include "connectors/hbase/hbasequery.h"
@@ -163,6 +165,26 @@ void cassandra(std::string_view bytes) {
   }
 }
 
+/// "TYPE|TEXT": what a text is as a column's bytes is read, and written again is read as the same.
+void cassbind(std::string_view bytes) {
+  const std::size_t bar = std::min(bytes.find('|'), bytes.size());
+  const TCassType type = TCassType::fromClass(bytes.substr(0, bar));
+  const TValue text(std::string(bytes.substr(std::min(bar + 1, bytes.size()))));
+  for (const TCollectionLengths lengths : {TCollectionLengths::Short16, TCollectionLengths::Int32}) {
+    std::string bound;
+    try {
+      bound = cassBytes(text, type, lengths, dates());
+    } catch (const std::runtime_error&) {
+      continue;
+    }
+    const TValue read = cassValue(bound, type, lengths, dates());
+    // A text may hold what is a marker once its own are gone.
+    if (read.isNull() || toJson(read).find('&') != std::string::npos) continue;
+    REQUIRE(toJson(cassValue(cassBytes(read, type, lengths, dates()), type, lengths, dates())) ==
+            toJson(read));
+  }
+}
+
 void xml(std::string_view bytes) { xmlToJson(bytes); }
 
 void bson(std::string_view bytes) {
@@ -233,6 +255,9 @@ constexpr std::array table{
         R"({"a":{"$oid":"0123456789abcdef01234567"},"b":{"$date":{"$numberLong":"5"}},"c":{"$binary":{"base64":"AAE=","subType":"00"}},"d":{"$timestamp":{"t":1,"i":2}}})"sv},
     TTarget{"filter", filter, "SingleColumnValueFilter('f','c',=,'binary:a and b') and PageFilter(5)"sv},
     TTarget{"cassandra", cassandra, "map<text,list<int>>|\0\1\0\1a\0\6\0\1\0\4\0\0\0\5"sv},
+    TTarget{
+        "cassbind", cassbind,
+        R"(TupleType(Int32Type,UUIDType,DurationType,TimeType,DecimalType,InetAddressType,TimestampType,MapType(UTF8Type,ListType(IntegerType)))|[-5,"550e8400-e29b-41d4-a716-446655440000","1y2mo3d4h5m6s7ms","13:14:15.016","-12.50e3","::1","2026-01-02T03:04:05Z",{"a":["-170141183460469231731687303715884105728",1]}])"sv},
     TTarget{"xml", xml, "<a x='1'><b>t</b><b/><![CDATA[c]]>&amp;</a>"sv},
     TTarget{"bson", bson, "\x16\0\0\0\2k\0\3\0\0\0ab\0\4l\0\5\0\0\0\0\0"sv},
     TTarget{"project", project, projectSeed},

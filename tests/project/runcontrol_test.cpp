@@ -95,6 +95,9 @@ TEST_F(RunControl, RefusesInOrder) {
   project.degree = 2;
   refused("The toy has no order in rows");
   project.degree = 1;
+  bench.server->requiredFields = {"_ID", "number"};
+  refused("Required data field is not mapped: number");
+  bench.server->requiredFields = {"rowkey"};
   bench.server->faults.countFails = true;
   bench.prompt.expect(TPromptKind::Confirmation, "Are you sure to start load operation?", TAnswer::Yes);
   refused("Error encountered: Data source rows caused the following error: The toy cannot count.");

@@ -174,6 +174,10 @@ class TToyConnector : public TStoreConnector {
   }
   void checkSource(const TStoreOptions& options) const override { server_->connect(options); }
   void checkTarget(const TStoreOptions& options) const override { server_->connect(options); }
+  [[nodiscard]] std::vector<std::string> requiredFields(const TStoreOptions& /*options*/,
+                                                        const TDataTarget& /*target*/) const override {
+    return server_->requiredFields;
+  }
 
   std::int64_t count(const TStoreOptions& /*options*/, const TDataSource& source) const override {
     if (server_->faults.countFails) throw TStoreError(TStoreErrorKind::DataSource, "The toy cannot count.");

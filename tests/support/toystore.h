@@ -33,6 +33,7 @@ class TToyServer {
  public:
   TToyFaults faults;
   TStoreTraits traits;
+  std::vector<std::string> requiredFields;
 
   void fill(const std::string& collection, const std::vector<TObject>& documents);
   /// Rows {"_id": 1, "name": "row 1"} and so on.

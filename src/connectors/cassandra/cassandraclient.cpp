@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <new>
 
 #include "connectors/thrift/thriftlink.h"
 
@@ -61,12 +62,34 @@ TCassandraError invalid(const std::string& why) {
   return {unknown ? TWhy::NotPrepared : TWhy::Refused, why};
 }
 
-/// Servers that speak another transport, or none.
+/// Whether a server that says so is still in step with us; the others are made here, of an answer to
+/// something else.
+bool isInStep(const apache::thrift::TApplicationException& error) {
+  switch (error.getType()) {
+    case apache::thrift::TApplicationException::INVALID_MESSAGE_TYPE:
+    case apache::thrift::TApplicationException::WRONG_METHOD_NAME:
+    case apache::thrift::TApplicationException::BAD_SEQUENCE_ID:
+    case apache::thrift::TApplicationException::MISSING_RESULT: return false;
+    default: return true;
+  }
+}
+
+/// What became of an attempt to connect, behind the address: "refused the connection".
+std::string reasonOf(const TThriftFault& fault, const TThriftOptions& options) {
+  std::string text = fault.what();
+  if (text.starts_with(options.where())) text.erase(0, options.where().size());
+  text.erase(0, text.find_first_not_of(": "));
+  if (text.ends_with('.')) text.pop_back();
+  // Nobody listens there, or a firewall stands before it.
+  if (fault.kind() == TThriftFaultKind::Refused || fault.kind() == TThriftFaultKind::TimedOut)
+    text +=
+        "; Cassandra 4 and later have no Thrift interface, 2.2 to 3.11 have it after \"nodetool "
+        "enablethrift\" or with start_rpc: true in cassandra.yaml";
+  return text;
+}
+
+/// Of a server that took the connection and did not answer.
 std::string hintFor(const TThriftFault& fault, const TThriftOptions& options) {
-  if (fault.kind() == TThriftFaultKind::Refused)
-    return " Cassandra's Thrift interface is not there: version 4 and later have none; version 2.2 to 3.11 "
-           "have it "
-           "after \"nodetool enablethrift\", or with start_rpc: true in cassandra.yaml.";
   const bool unanswered =
       fault.kind() == TThriftFaultKind::Closed || fault.kind() == TThriftFaultKind::TimedOut;
   if (unanswered && answersUnframed(options, "describe_version"))
@@ -108,10 +131,13 @@ TCassandraClient::TCassandraClient(const TStoreOptions& options, std::string fix
 
 TCassandraClient::~TCassandraClient() = default;
 
-/// Runs a call of the generated client; what it throws becomes our error.
+/// Runs a call of the generated client; what it throws becomes our error, but for a fault of the transport.
 template <typename Call>
-auto TCassandraClient::guarded(const Call& call) {
-  if (!connection_) throw TCassandraError(TWhy::Lost, thrift_.where() + ": there is no connection.");
+auto TCassandraClient::named(const Call& call) {
+  const auto lost = [this](const std::string& why) {
+    connection_.reset();
+    return TCassandraError(TWhy::Lost, thrift_.where() + " sent an answer that cannot be read: " + why);
+  };
   try {
     return call(*connection_);
   } catch (const wire::InvalidRequestException& error) {
@@ -127,17 +153,28 @@ auto TCassandraClient::guarded(const Call& call) {
     throw TCassandraError(TWhy::TimedOut, "The server's replicas did not answer within its own time-out.");
   } catch (const wire::SchemaDisagreementException&) {
     throw TCassandraError(TWhy::Refused, "The server's nodes do not agree on the schema.");
+  } catch (const TThriftFault&) {
+    throw;
   } catch (const apache::thrift::TApplicationException& error) {
-    throw TCassandraError(TWhy::Refused, error.what());
+    if (isInStep(error)) throw TCassandraError(TWhy::Refused, error.what());
+    throw lost(error.what());
+  } catch (const apache::thrift::TException& error) {
+    // Bytes that are no answer: where the next one begins is not known.
+    throw lost(error.what());
+  } catch (const std::bad_alloc&) {
+    throw lost("there is not enough memory for it");
+  }
+}
+
+template <typename Call>
+auto TCassandraClient::guarded(const Call& call) {
+  if (!connection_) throw TCassandraError(TWhy::Lost, thrift_.where() + ": there is no connection.");
+  try {
+    return named(call);
   } catch (const TThriftFault& fault) {
     connection_.reset();
     throw TCassandraError(fault.kind() == TThriftFaultKind::Oversized ? TWhy::Oversized : TWhy::Lost,
                           fault.what());
-  } catch (const apache::thrift::TException& error) {
-    // Bytes that are no answer: where the next one begins is not known.
-    connection_.reset();
-    throw TCassandraError(TWhy::Lost,
-                          thrift_.where() + " sent an answer that cannot be read: " + error.what());
   }
 }
 
@@ -149,8 +186,8 @@ void TCassandraClient::connect() {
   try {
     connection_ = std::make_unique<TConnection>(thrift_);
   } catch (const TThriftFault& fault) {
-    fail("Unable to connect to the database host: " + thrift_.where() + " (" + fault.what() +
-         hintFor(fault, thrift_) + ")");
+    fail("Unable to connect to the database host: " + thrift_.where() + " (" + reasonOf(fault, thrift_) +
+         ").");
   }
   try {
     proveSession();
@@ -161,30 +198,20 @@ void TCassandraClient::connect() {
   }
 }
 
+/// A fault of the transport passes on as it is: connect() says more about it.
 void TCassandraClient::proveSession() {
   const std::string user = trimmedMember(record_, "user");
   const std::string password = trimmedMember(record_, "password");
   if (!user.empty() && !password.empty()) {
     wire::AuthenticationRequest request;
     request.credentials = {{"username", user}, {"password", password}};
-    // The transport's fault passes on as it is: connect() says more about it.
-    try {
-      connection_->client.login(request);
-    } catch (const wire::AuthenticationException& error) {
-      throw TCassandraError(TWhy::Refused, error.why);
-    } catch (const wire::AuthorizationException& error) {
-      throw TCassandraError(TWhy::Refused, error.why);
-    }
+    named([&](TConnection& connection) { connection.client.login(request); });
   }
   wire::CqlResult local;
-  try {
-    connection_->client.execute_cql3_query(local, "select * from system.local", wire::Compression::NONE,
-                                           wireLevel(readLevel_));
-  } catch (const TThriftFault&) {
-    throw;
-  } catch (const apache::thrift::TException&) {
-    guarded([](TConnection&) { throw; });
-  }
+  named([&](TConnection& connection) {
+    connection.client.execute_cql3_query(local, "select * from system.local", wire::Compression::NONE,
+                                         wireLevel(readLevel_));
+  });
   const TCassResult result = resultOf(std::move(local));
   const auto column = std::find(result.columns.begin(), result.columns.end(), "release_version");
   if (column == result.columns.end() || result.rows.empty())

@@ -104,6 +104,8 @@ class TCassandraClient {
 
   void proveSession();
   template <typename Call>
+  auto named(const Call& call);
+  template <typename Call>
   auto guarded(const Call& call);
 
   TThriftOptions thrift_;

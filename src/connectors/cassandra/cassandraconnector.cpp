@@ -28,6 +28,11 @@ class TCassandraConnector : public TStoreConnector {
   void checkSource(const TStoreOptions& options) const override { TCassandraClient(options, sourceText); }
   void checkTarget(const TStoreOptions& options) const override { TCassandraClient(options, targetText); }
 
+  [[nodiscard]] std::vector<std::string> requiredFields(const TStoreOptions& options,
+                                                        const TDataTarget& target) const override {
+    return requiredColumns(options, target, targetText);
+  }
+
   std::int64_t count(const TStoreOptions& options, const TDataSource& source) const override;
 
  private:

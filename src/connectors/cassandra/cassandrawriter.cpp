@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "connectors/cassandra/cassbind.h"
+#include "connectors/textpiece.h"
 #include "json/json.h"
 
 namespace hollowmere {
@@ -37,9 +38,19 @@ std::size_t bytesOf(const std::vector<std::string>& values) {
   return bytes;
 }
 
+/// Where the name at the front of a text ends: at a dot, but not at one in double quotes.
+std::size_t nameEnd(std::string_view text) {
+  bool quoted = false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '"') quoted = !quoted;
+    if (text[i] == '.' && !quoted) return i;
+  }
+  return text.find('.');
+}
+
 std::string unquoted(std::string_view name) {
-  if (name.size() > 1 && name.front() == '"' && name.back() == '"') name = name.substr(1, name.size() - 2);
-  return std::string(name);
+  if (name.size() < 2 || name.front() != '"' || name.back() != '"') return std::string(name);
+  return replaceAll(name.substr(1, name.size() - 2), "\"\"", "\"");
 }
 
 /// The name as the schema has it: as it stands, or in lower case.
@@ -53,6 +64,28 @@ bool findName(const std::vector<std::string>& names, std::string& name) {
   return true;
 }
 
+struct TTargetTable {
+  std::string keyspace;
+  std::string table;
+  std::vector<TCassColumn> columns;
+};
+
+/// "keyspace.table" as the server has it. Throws TStoreError (DataSource), TCassandraError.
+TTargetTable findTarget(TCassandraClient& client, const std::string& target) {
+  const auto fail = [](const char* text, const std::string& name) {
+    throw TStoreError(TStoreErrorKind::DataSource, text + name);
+  };
+  const std::size_t dot = nameEnd(target);
+  if (dot == std::string::npos) fail(noKeyspace, target);
+  TTargetTable found{unquoted(target.substr(0, dot)), unquoted(target.substr(dot + 1)), {}};
+  TCassSchema schema(client);
+  if (!findName(schema.keyspaces(), found.keyspace))
+    fail(noKeyspace, found.keyspace.empty() ? target : found.keyspace);
+  if (!findName(schema.tables(found.keyspace), found.table)) fail(noColumnFamily, found.table);
+  found.columns = schema.columns(found.keyspace, found.table);
+  return found;
+}
+
 }  // namespace
 
 TCassandraWriter::TCassandraWriter(const TStoreOptions& options)
@@ -62,20 +95,13 @@ TCassandraWriter::TCassandraWriter(const TStoreOptions& options)
       window_(options.bulkSize > 1 ? std::min(mostRows, static_cast<std::size_t>(options.bulkSize)) : 1) {}
 
 void TCassandraWriter::openTarget(const TDataTarget& target) {
-  const auto fail = [](const char* text, const std::string& name) {
-    throw TStoreError(TStoreErrorKind::DataSource, text + name);
-  };
-  const std::size_t dot = target.target.find('.');
-  std::string keyspace = dot == std::string::npos ? "" : unquoted(target.target.substr(0, dot));
-  std::string table = dot == std::string::npos ? target.target : unquoted(target.target.substr(dot + 1));
-  open_ = {};
+  open_.clear();
+  rowsOpen_ = bytesOpen_ = 0;
+  keys_.clear();
   try {
     if (!client_.isConnected()) client_.connect();
-    TCassSchema schema(client_);
-    if (keyspace.empty() || !findName(schema.keyspaces(), keyspace))
-      fail(noKeyspace, keyspace.empty() ? target.target : keyspace);
-    if (!findName(schema.tables(keyspace), table)) fail(noColumnFamily, table);
-    plans_.emplace(client_, keyspace, table, schema.columns(keyspace, table), window_ > 1 ? batchRows : 1);
+    TTargetTable found = findTarget(client_, target.target);
+    plans_.emplace(client_, found.keyspace, found.table, std::move(found.columns));
   } catch (const TCassandraError& error) {
     throw TStoreError(TStoreErrorKind::DataSource, error.what());
   }
@@ -83,12 +109,13 @@ void TCassandraWriter::openTarget(const TDataTarget& target) {
 
 void TCassandraWriter::write(TObject&& document, TOutcomeSink& sink) {
   if (!connected(sink, document)) return;
-  TInsertPlan* plan = planOf(document, sink);
+  const TPlan plan = planOf(document, sink);
   if (!plan) return;
   TRow row;
   if (!encode(*plan, document, row.values, sink)) return;
   row.document = std::move(document);
-  add(*plan, std::move(row), sink);
+  claimKey(*plan, row, sink);
+  add(plan, std::move(row), sink);
 }
 
 void TCassandraWriter::flush(TOutcomeSink& sink) {
@@ -118,20 +145,32 @@ bool TCassandraWriter::reconnect() {
   }
 }
 
-TInsertPlan* TCassandraWriter::planOf(const TObject& document, TOutcomeSink& sink) {
-  TInsertPlan* plan = plans_->find(document);
-  try {
-    if (!plan) {
-      // Preparing asks the server, whose answers to what is in flight come first.
-      flush(sink);
-      plan = &plans_->add(document);
-    }
-    if (plan->fault.empty()) return plan;
-    sink.refused(toJson(document), plan->fault);
-  } catch (const TCassandraError& error) {
-    sink.refused(toJson(document), lostText_ = error.what());
+TCassandraWriter::TPlan TCassandraWriter::planOf(const TObject& document, TOutcomeSink& sink) {
+  TPlan plan = plans_->find(document);
+  if (!plan) {
+    plan = plans_->make(document);
+    if (plan->fault.empty() && prepare(*plan, sink)) plans_->keep(plan);
   }
+  if (plan->fault.empty()) return plan;
+  sink.refused(toJson(document), plan->fault);
   return nullptr;
+}
+
+/// False when the connection is lost and does not come back.
+bool TCassandraWriter::prepare(TInsertPlan& plan, TOutcomeSink& sink) {
+  // Preparing asks the server, whose answers to what is in flight come first.
+  receiveUntil(0, sink);
+  for (bool again = true;; again = false) {
+    try {
+      plans_->prepare(plan);
+      return true;
+    } catch (const TCassandraError& error) {
+      lostText_ = error.what();
+    }
+    if (again && reconnect()) continue;
+    plan.fault = lostText_;
+    return false;
+  }
 }
 
 bool TCassandraWriter::encode(const TInsertPlan& plan, const TObject& document,
@@ -152,47 +191,78 @@ bool TCassandraWriter::encode(const TInsertPlan& plan, const TObject& document,
   }
 }
 
-/// Whether the row may go with those that wait: rows of one batch have one time stamp, so that of two with
-/// the same key the later would not win.
-bool TCassandraWriter::fits(const TInsertPlan& plan, const TRow& row, std::size_t bytes) const {
-  if (open_.rows.empty()) return true;
-  if (open_.plan != &plan || open_.bytes + bytes > batchBytes) return false;
-  return std::none_of(open_.rows.begin(), open_.rows.end(), [&](const TRow& other) {
-    return std::all_of(plan.keys.begin(), plan.keys.end(),
-                       [&](std::size_t key) { return other.values[key] == row.values[key]; });
-  });
+/// Waits until no other row of this key is under way: rows of one batch have one time stamp, and what is
+/// tried again comes late, so that of two the later would not win.
+void TCassandraWriter::claimKey(const TInsertPlan& plan, TRow& row, TOutcomeSink& sink) {
+  if (plan.keys.empty()) return;
+  for (const std::size_t key : plan.keys)
+    row.key = row.key * 31 + std::hash<std::string_view>()(row.values[key]);
+  if (keys_.contains(row.key)) flush(sink);
+  keys_.insert(row.key);
 }
 
-void TCassandraWriter::add(TInsertPlan& plan, TRow&& row, TOutcomeSink& sink) {
+void TCassandraWriter::add(const TPlan& plan, TRow&& row, TOutcomeSink& sink) {
   const std::size_t bytes = bytesOf(row.values);
-  if (!fits(plan, row, bytes)) sendOpen(sink);
-  open_.plan = &plan;
-  open_.bytes += bytes;
-  open_.rows.push_back(std::move(row));
-  if (window_ == 1 || bytes > mostBytes)
-    flush(sink);
-  else if (open_.rows.size() >= plan.batchRows)
-    sendOpen(sink);
+  TUnit& unit = unitFor(plan, bytes, sink);
+  unit.rows.push_back(std::move(row));
+  unit.bytes += bytes;
+  ++rowsOpen_;
+  bytesOpen_ += bytes;
+  if (window_ == 1 || bytes > mostBytes) return flush(sink);
+  const std::size_t most = plan->takesBatches ? std::min(batchRows, window_) : 1;
+  if (unit.rows.size() >= most) {
+    sendFilled(unit, sink);
+    std::erase_if(open_, [](const TUnit& each) { return each.rows.empty(); });
+  }
+  if (rowsOpen_ >= window_ || bytesOpen_ > mostBytes) sendOpen(sink);
 }
 
-/// A full batch as one statement; what is less row by row.
+/// The one of the plan, sent before when it has no room left.
+TCassandraWriter::TUnit& TCassandraWriter::unitFor(const TPlan& plan, std::size_t bytes, TOutcomeSink& sink) {
+  const auto found =
+      std::find_if(open_.begin(), open_.end(), [&](const TUnit& unit) { return unit.plan == plan; });
+  if (found == open_.end()) return open_.emplace_back(TUnit{plan, {}, 0});
+  if (!found->rows.empty() && found->bytes + bytes > batchBytes) sendFilled(*found, sink);
+  return *found;
+}
+
 void TCassandraWriter::sendOpen(TOutcomeSink& sink) {
-  if (open_.rows.empty()) return;
-  const std::size_t before = sent_.size();
-  rowsSent_ += open_.rows.size();
-  bytesSent_ += open_.bytes;
-  if (open_.rows.size() == open_.plan->batchRows) {
-    sent_.push_back(std::move(open_));
-  } else {
-    for (TRow& row : open_.rows) {
-      TUnit& one = sent_.emplace_back(TUnit{open_.plan, {}, bytesOf(row.values)});
-      one.rows.push_back(std::move(row));
+  for (TUnit& unit : open_) sendFilled(unit, sink);
+  open_.clear();
+}
+
+/// Its rows as one statement, or one by one where the server has none such. The unit is empty then.
+void TCassandraWriter::sendFilled(TUnit& unit, TOutcomeSink& sink) {
+  TUnit filled{unit.plan, {}, 0};
+  std::swap(filled, unit);
+  const std::size_t rows = filled.rows.size();
+  if (rows == 0) return;
+  rowsOpen_ -= rows;
+  bytesOpen_ -= filled.bytes;
+  TInsertPlan& plan = *filled.plan;
+  if (rows > 1 && plan.takesBatches && !plan.batchIds.contains(rows)) {
+    receiveUntil(0, sink);
+    try {
+      plans_->prepareBatch(plan, rows);
+    } catch (const TCassandraError& error) {
+      lostText_ = error.what();
     }
   }
-  open_ = {};
-  if (!client_.isConnected()) return rescue(lostText_, sink);
+  if (rows == 1 || plan.batchIds.contains(rows)) return send(std::move(filled), sink);
+  for (TRow& row : filled.rows) {
+    TUnit one{filled.plan, {}, bytesOf(row.values)};
+    one.rows.push_back(std::move(row));
+    send(std::move(one), sink);
+  }
+}
+
+void TCassandraWriter::send(TUnit&& unit, TOutcomeSink& sink) {
+  rowsSent_ += unit.rows.size();
+  bytesSent_ += unit.bytes;
+  sent_.push_back(std::move(unit));
+  if (!client_.isConnected() && !reconnect()) return rescue(lostText_, sink);
   try {
-    for (std::size_t i = before; i < sent_.size(); ++i) send(sent_[i]);
+    transmit(sent_.back());
   } catch (const TCassandraError& error) {
     return rescue(error.what(), sink);
   }
@@ -200,12 +270,13 @@ void TCassandraWriter::sendOpen(TOutcomeSink& sink) {
   if (rowsSent_ >= window_ || bytesSent_ > mostBytes) receiveUntil(window_ / 2, sink);
 }
 
-void TCassandraWriter::send(const TUnit& unit) {
-  if (unit.rows.size() == 1) return client_.send(unit.plan->id, unit.rows[0].values, client_.writeLevel());
+void TCassandraWriter::transmit(const TUnit& unit) {
+  const TInsertPlan& plan = *unit.plan;
+  if (unit.rows.size() == 1) return client_.send(plan.id, unit.rows[0].values, client_.writeLevel());
   std::vector<std::string> values;
   values.reserve(unit.rows.size() * unit.rows[0].values.size());
   for (const TRow& row : unit.rows) values.insert(values.end(), row.values.begin(), row.values.end());
-  client_.send(unit.plan->batchId, values, client_.writeLevel());
+  client_.send(plan.batchIds.at(unit.rows.size()), values, client_.writeLevel());
 }
 
 /// Takes answers until no more rows than that are in flight; all of them, when there is something to be done
@@ -221,7 +292,8 @@ void TCassandraWriter::receiveUntil(std::size_t inFlight, TOutcomeSink& sink) {
   }
   std::vector<TUnit> failed;
   failed.swap(failed_);
-  for (TUnit& unit : failed) writeAlone(unit, sink);
+  int losses = 0;
+  for (TUnit& unit : failed) writeAlone(unit, losses, sink);
 }
 
 void TCassandraWriter::takeAnswer(TOutcomeSink& sink) {
@@ -229,17 +301,30 @@ void TCassandraWriter::takeAnswer(TOutcomeSink& sink) {
   const std::size_t rows = unit.rows.size();
   try {
     client_.receive();
+    for (const TRow& row : unit.rows) keys_.erase(row.key);
     sink.stored(static_cast<std::int64_t>(rows));
   } catch (const TCassandraError& error) {
     if (error.connectionLost()) throw;
-    if (rows > 1 || error.why() == TCassandraError::TWhy::NotPrepared)
+    if (error.why() == TCassandraError::TWhy::NotPrepared) unit.plan->batchIds.erase(rows);
+    if (isTriedAgain(unit, error))
       failed_.push_back(std::move(unit));
     else
-      sink.refused(toJson(unit.rows[0].document), error.what());
+      refuse(unit.rows[0], error.what(), sink);
   }
   rowsSent_ -= rows;
   bytesSent_ -= sent_.front().bytes;
   sent_.pop_front();
+}
+
+/// A row that a server's own time-out was about may be there: it is written once more, but not added again.
+bool TCassandraWriter::isTriedAgain(const TUnit& unit, const TCassandraError& error) const {
+  return unit.rows.size() > 1 || error.why() == TCassandraError::TWhy::NotPrepared ||
+         (error.why() == TCassandraError::TWhy::TimedOut && !plans_->countersOnly());
+}
+
+void TCassandraWriter::refuse(const TRow& row, const std::string& fault, TOutcomeSink& sink) {
+  keys_.erase(row.key);
+  sink.refused(toJson(row.document), fault);
 }
 
 /// The connection is lost, and what became of the rows in flight is not known: each is tried again over a new
@@ -251,22 +336,23 @@ void TCassandraWriter::rescue(const std::string& reason, TOutcomeSink& sink) {
   std::move(sent_.begin(), sent_.end(), std::back_inserter(units));
   sent_.clear();
   rowsSent_ = bytesSent_ = 0;
-  losses_ = plans_->countersOnly() ? mostLosses : 0;
-  for (TUnit& unit : units) writeAlone(unit, sink);
-  losses_ = 0;
+  int losses = plans_->countersOnly() ? mostLosses : 0;
+  for (TUnit& unit : units) writeAlone(unit, losses, sink);
 }
 
 /// One row may be what ends a connection; when several rows one after the other do, the server is at fault,
-/// and is not waited for with each of the others.
-void TCassandraWriter::writeAlone(TUnit& unit, TOutcomeSink& sink) {
+/// and is not waited for with each of the others. losses counts such rows.
+void TCassandraWriter::writeAlone(TUnit& unit, int& losses, TOutcomeSink& sink) {
   for (const TRow& row : unit.rows) {
-    const bool reached = losses_ < mostLosses && (client_.isConnected() || reconnect());
+    const bool reached = losses < mostLosses && (client_.isConnected() || reconnect());
     const std::string fault = reached ? tryAlone(*unit.plan, row) : lostText_;
-    if (reached) losses_ = client_.isConnected() ? 0 : losses_ + 1;
-    if (fault.empty())
-      sink.stored(1);
-    else
-      sink.refused(toJson(row.document), fault);
+    if (reached) losses = client_.isConnected() ? 0 : losses + 1;
+    if (!fault.empty()) {
+      refuse(row, fault, sink);
+      continue;
+    }
+    keys_.erase(row.key);
+    sink.stored(1);
   }
 }
 
@@ -292,6 +378,26 @@ std::string TCassandraWriter::tryAlone(TInsertPlan& plan, const TRow& row) {
     }
     if (!plan.fault.empty()) return plan.fault;
   }
+}
+
+std::vector<std::string> requiredColumns(const TStoreOptions& options, const TDataTarget& target,
+                                         const std::string& fixedText) {
+  TCassandraClient client(options, fixedText);
+  std::vector<std::string> names;
+  try {
+    const TTargetTable found = findTarget(client, target.target);
+    const bool statics = std::any_of(found.columns.begin(), found.columns.end(),
+                                     [](const TCassColumn& c) { return c.role == TKeyRole::Static; });
+    // A row with static columns alone names its partition only.
+    for (const TCassColumn& column : found.columns)
+      if (column.role == TKeyRole::Partition || (column.isKey() && !statics)) names.push_back(column.name);
+  } catch (const TCassandraError& error) {
+    throw TStoreError(TStoreErrorKind::Connect, fixedText, error.what());
+  } catch (const TStoreError&) {
+    // There is no such target, which the run tells when it opens it.
+    return {};
+  }
+  return names;
 }
 
 }  // namespace hollowmere

@@ -35,16 +35,16 @@ using TBase = TCassType::TBase;
 
 std::string_view trimmedText(const TValue& value) { return trimmed(value.asText()); }
 
+/// Without its markers; blanks at its ends, which other stores drop, are kept.
+std::string unmarkedText(const std::string& text) {
+  if (text.find('&') == std::string::npos) return text;
+  const std::string_view inner = trimmed(text);
+  const auto before = static_cast<std::size_t>(inner.data() - text.data());
+  return text.substr(0, before) + UnescapeMarkers(inner) + text.substr(before + inner.size());
+}
+
 std::string textBytes(const TValue& value, const TCassType& type) {
-  std::string text;
-  if (!value.is(TKind::Text))
-    text = textForm(value);
-  else if (value.asText().find('&') == std::string::npos ||
-           (value.asText().find("&quot;") == std::string::npos &&
-            value.asText().find("&str;") == std::string::npos))
-    text = value.asText();
-  else
-    text = UnescapeMarkers(std::string_view(value.asText()));
+  const std::string text = value.is(TKind::Text) ? unmarkedText(value.asText()) : textForm(value);
   if (!isValidText(text)) refuse(TValue::binary(text), type, "the bytes are no text");
   if (type.base == TBase::Ascii)
     for (const char c : text)

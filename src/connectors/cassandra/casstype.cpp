@@ -75,6 +75,9 @@ class TClassReader {
       if (known != typeNames.end()) made.base = known->base;
       made.name = full;
       if (arguments && depth < deepest) parts(made, depth + 1);
+      // A collection without its element is none.
+      const bool single = made.base == TBase::List || made.base == TBase::Set;
+      if (made.parts.size() < (made.base == TBase::Map ? 2U : single ? 1U : 0U)) made.base = TBase::Unknown;
     }
     if (arguments) close();
     return made;
@@ -99,8 +102,6 @@ class TClassReader {
     if (made.base < TBase::List || made.base == TBase::Unknown) return;
     do made.parts.push_back(type(depth));
     while (take(','));
-    const std::size_t least = made.base == TBase::Map ? 2 : 1;
-    if (made.parts.size() < least) made.base = TBase::Unknown;
   }
 
   std::string_view word() {
@@ -130,10 +131,7 @@ class TClassReader {
 }  // namespace
 
 TCassType TCassType::fromClass(std::string_view classText) {
-  TCassType type = TClassReader(classText).type();
-  // A collection without its element is none.
-  if (type.base >= TBase::List && type.base <= TBase::Map && type.parts.empty()) type.base = TBase::Unknown;
-  return type;
+  return TClassReader(classText).type();
 }
 
 std::string TCassType::cql() const {

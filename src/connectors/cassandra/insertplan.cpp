@@ -8,10 +8,20 @@ namespace hollowmere {
 
 namespace {
 
+/// Sets of members whose statements are kept, here and on the server.
+constexpr std::size_t mostPlans = 256;
+
 std::string joined(const std::vector<std::string>& pieces, std::string_view between) {
   std::string out;
   for (const std::string& piece : pieces) (out += out.empty() ? "" : between) += piece;
   return out;
+}
+
+std::vector<std::string> membersOf(const TObject& document) {
+  std::vector<std::string> members;
+  for (const TMember& member : document)
+    if (!member.value.isNull()) members.push_back(member.name);
+  return members;
 }
 
 /// Whether the document's members that are not null are just these, in this order.
@@ -50,31 +60,38 @@ std::string buildCounterUpdate(const std::string& keyspace, const std::string& t
 }
 
 TInsertPlans::TInsertPlans(TCassandraClient& client, std::string keyspace, std::string table,
-                           std::vector<TCassColumn> columns, std::size_t batchRows)
+                           std::vector<TCassColumn> columns)
     : client_(client),
       keyspace_(std::move(keyspace)),
       table_(std::move(table)),
       columns_(std::move(columns)),
-      batchRows_(batchRows),
       counters_(std::any_of(columns_.begin(), columns_.end(),
-                            [](const TCassColumn& c) { return c.type == "counter"; })) {}
+                            [](const TCassColumn& c) { return c.type == "counter"; })),
+      statics_(std::any_of(columns_.begin(), columns_.end(),
+                           [](const TCassColumn& c) { return c.role == TKeyRole::Static; })) {}
 
-TInsertPlan* TInsertPlans::find(const TObject& document) {
-  if (last_ && matches(document, last_->members)) return last_;
-  for (const auto& plan : plans_)
-    if (matches(document, plan->members)) return last_ = plan.get();
-  return nullptr;
+TInsertPlans::TPlan TInsertPlans::find(const TObject& document) {
+  if (!byUse_.empty() && matches(document, byUse_.front()->members)) return byUse_.front();
+  const auto found = byMembers_.find(membersOf(document));
+  if (found == byMembers_.end()) return nullptr;
+  byUse_.splice(byUse_.begin(), byUse_, found->second);
+  return byUse_.front();
 }
 
-TInsertPlan& TInsertPlans::add(const TObject& document) {
-  auto plan = std::make_unique<TInsertPlan>();
-  for (const TMember& member : document)
-    if (!member.value.isNull()) plan->members.push_back(member.name);
+TInsertPlans::TPlan TInsertPlans::make(const TObject& document) const {
+  auto plan = std::make_shared<TInsertPlan>();
+  plan->members = membersOf(document);
   resolve(*plan);
-  if (plan->fault.empty()) prepare(*plan);
-  last_ = plan.get();
-  plans_.push_back(std::move(plan));
-  return *last_;
+  return plan;
+}
+
+void TInsertPlans::keep(TPlan plan) {
+  if (byUse_.size() == mostPlans) {
+    byMembers_.erase(byUse_.back()->members);
+    byUse_.pop_back();
+  }
+  byUse_.push_front(std::move(plan));
+  byMembers_[byUse_.front()->members] = byUse_.begin();
 }
 
 /// Columns by their exact names, else by the only one that differs in letter case.
@@ -109,27 +126,42 @@ void TInsertPlans::write(TInsertPlan& plan) const {
   if (counters_)
     std::stable_partition(plan.order.begin(), plan.order.end(),
                           [&](std::size_t i) { return !used[i].isKey(); });
-  for (std::size_t marker = 0; marker < plan.order.size(); ++marker)
-    if (used[plan.order[marker]].isKey()) plan.keys.push_back(marker);
+  // In the order of the columns, whatever that of the document's members.
+  for (const TCassColumn& column : columns_)
+    for (std::size_t marker = 0; marker < plan.order.size() && tellsRows(column); ++marker)
+      if (used[plan.order[marker]].name == column.name) plan.keys.push_back(marker);
+  plan.takesBatches = !counters_;
   plan.cql =
       counters_ ? buildCounterUpdate(keyspace_, table_, used) : buildInsert(keyspace_, table_, plan.columns);
 }
 
+/// Static columns belong to all rows of a partition.
+bool TInsertPlans::tellsRows(const TCassColumn& column) const {
+  return !counters_ && (statics_ ? column.role == TKeyRole::Partition : column.isKey());
+}
+
 void TInsertPlans::prepare(TInsertPlan& plan) {
+  plan.batchIds.clear();
   try {
     const TCassPrepared one = client_.prepare(plan.cql);
     plan.id = one.id;
     plan.types.clear();
     for (const std::string& type : one.types) plan.types.push_back(TCassType::fromClass(type));
     if (plan.types.size() != plan.order.size()) plan.fault = "The server counts other markers in " + plan.cql;
-    if (batchRows_ < 2 || counters_) return;
-    std::string batch = "begin unlogged batch ";
-    for (std::size_t i = 0; i < batchRows_; ++i) batch += plan.cql + "; ";
-    plan.batchId = client_.prepare(batch + "apply batch").id;
-    plan.batchRows = batchRows_;
   } catch (const TCassandraError& error) {
     if (error.connectionLost()) throw;
     plan.fault = error.what();
+  }
+}
+
+void TInsertPlans::prepareBatch(TInsertPlan& plan, std::size_t rows) {
+  std::string batch = "begin unlogged batch ";
+  for (std::size_t i = 0; i < rows; ++i) batch += plan.cql + "; ";
+  try {
+    plan.batchIds[rows] = client_.prepare(batch + "apply batch").id;
+  } catch (const TCassandraError& error) {
+    if (error.connectionLost()) throw;
+    plan.takesBatches = false;
   }
 }
 

@@ -68,6 +68,10 @@ bool TFrames::readFrame() {
     fail(TThriftFaultKind::NotFramed, " answers without frames; it must use the framed transport.");
   if (size == 0x48545450)  // "HTTP"
     fail(TThriftFaultKind::NotFramed, " is a web server, not a Thrift server with framed transport.");
+  // The head of that protocol's answers: their version with the top bit set.
+  if (size >> 24 >= 0x81 && size >> 24 <= 0x86)
+    fail(TThriftFaultKind::NotFramed,
+         " answers in Cassandra's native protocol; the Thrift interface is on another port (9160).");
   if (size > maxFrameSize_)
     fail(TThriftFaultKind::Oversized, " announced an answer of " + std::to_string(size) + " bytes; at most " +
                                           std::to_string(maxFrameSize_) + " are taken.");
@@ -84,6 +88,7 @@ bool TFrames::readFrame() {
   }
   setReadBuffer(rBuf_.get(), size);
   inAnswer_ = true;
+  if (onAnswer_) onAnswer_(size);
   return true;
 }
 

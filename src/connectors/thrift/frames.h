@@ -2,6 +2,8 @@
 
 #include <thrift/transport/TBufferTransports.h>
 
+#include <functional>
+
 #include "connectors/thrift/stopsocket.h"
 
 namespace hollowmere {
@@ -27,6 +29,9 @@ class TFrames : public apache::thrift::transport::TFramedTransport {
   TFrames(std::shared_ptr<THolding> below, std::shared_ptr<TStopSocket> socket, const TThriftOptions& options,
           std::shared_ptr<apache::thrift::TConfiguration> configuration);
 
+  /// Is told the bytes of each answer before it is taken apart.
+  void onAnswer(std::function<void(std::uint32_t)> listener) { onAnswer_ = std::move(listener); }
+
   void flush() override;
   std::uint32_t readEnd() override;
   [[nodiscard]] std::uint64_t sentBytes() const { return sentBytes_; }
@@ -40,6 +45,7 @@ class TFrames : public apache::thrift::transport::TFramedTransport {
 
   std::shared_ptr<TStopSocket> socket_;
   std::string where_;
+  std::function<void(std::uint32_t)> onAnswer_;
   bool inAnswer_ = false;
   std::uint64_t sentBytes_ = 0;
 };

@@ -9,20 +9,23 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <future>
 #include <memory>
 #include <system_error>
+#include <thread>
 
 namespace hollowmere {
 
 namespace {
 
 constexpr std::chrono::milliseconds slice{50};
-constexpr std::int64_t graceMilliseconds = 1000;
+constexpr std::chrono::milliseconds grace{1000};
 
 std::string systemText(int code) { return std::system_category().message(code); }
 
 std::string secondsText(std::chrono::milliseconds time) {
-  return std::to_string(std::max<std::int64_t>(1, time.count() / 1000)) + " seconds";
+  const std::int64_t seconds = std::max<std::int64_t>(1, time.count() / 1000);
+  return std::to_string(seconds) + (seconds == 1 ? " second" : " seconds");
 }
 
 struct TAddressDeleter {
@@ -30,15 +33,46 @@ struct TAddressDeleter {
 };
 using TAddresses = std::unique_ptr<addrinfo, TAddressDeleter>;
 
-TAddresses resolve(const TThriftOptions& options) {
+struct TLookup {
+  TAddresses addresses;
+  int code = 0;
+};
+
+TLookup lookUp(const std::string& host, std::uint16_t port, int flags) {
   addrinfo hints{};
   hints.ai_socktype = SOCK_STREAM;
+  hints.ai_flags = flags;
   addrinfo* list = nullptr;
-  const int code = getaddrinfo(options.host.c_str(), std::to_string(options.port).c_str(), &hints, &list);
-  if (code != 0)
+  const int code = getaddrinfo(host.c_str(), std::to_string(port).c_str(), &hints, &list);
+  return {TAddresses(code == 0 ? list : nullptr), code};
+}
+
+/// In a thread of its own, since nothing ends a look-up: it is left to its end when it takes too long.
+std::future<TLookup> lookUpBeside(const TThriftOptions& options) {
+  std::packaged_task<TLookup()> task(
+      [host = options.host, port = options.port] { return lookUp(host, port, 0); });
+  std::future<TLookup> found = task.get_future();
+  std::thread(std::move(task)).detach();
+  return found;
+}
+
+TAddresses resolve(const TThriftOptions& options) {
+  TLookup found = lookUp(options.host, options.port, AI_NUMERICHOST);
+  if (found.code == 0) return std::move(found.addresses);
+  const auto until = std::chrono::steady_clock::now() + options.connectTime;
+  std::future<TLookup> beside = lookUpBeside(options);
+  while (beside.wait_for(slice) != std::future_status::ready) {
+    if (options.stop && options.stop->isSet())
+      throw TThriftFault(TThriftFaultKind::Stopped, options.where() + ": stopped while connecting.");
+    if (std::chrono::steady_clock::now() >= until)
+      throw TThriftFault(TThriftFaultKind::Unreachable, options.where() + ": the host was not found within " +
+                                                            secondsText(options.connectTime) + ".");
+  }
+  found = beside.get();
+  if (found.code != 0)
     throw TThriftFault(TThriftFaultKind::Unreachable,
-                       options.where() + ": the host is not known (" + gai_strerror(code) + ").");
-  return TAddresses(list);
+                       options.where() + ": the host is not known (" + gai_strerror(found.code) + ").");
+  return std::move(found.addresses);
 }
 
 }  // namespace
@@ -57,7 +91,7 @@ void TStopSocket::close() {
 /// Waits for the socket in slices, so that a stop is seen.
 void TStopSocket::wait(short events, TClock::time_point until, const char* what) {
   for (;;) {
-    if (options_.stop && options_.stop->milliseconds() > graceMilliseconds)
+    if (options_.stop && options_.stop->milliseconds() > grace.count() && TClock::now() - callBegan_ > grace)
       throw TThriftFault(TThriftFaultKind::Stopped, options_.where() + ": stopped while waiting.");
     pollfd entry{socket_, events, 0};
     if (poll(&entry, 1, static_cast<int>(slice.count())) > 0) return;
@@ -97,6 +131,8 @@ bool TStopSocket::tryAddress(const addrinfo& address) {
 
 void TStopSocket::open() {
   if (isOpen()) return;
+  if (options_.stop && options_.stop->isSet())
+    throw TThriftFault(TThriftFaultKind::Stopped, options_.where() + ": stopped before connecting.");
   const TAddresses addresses = resolve(options_);
   for (const addrinfo* address = addresses.get(); address; address = address->ai_next)
     if (tryAddress(*address)) return startAnswer();
@@ -127,6 +163,7 @@ std::uint32_t TStopSocket::read(std::uint8_t* buffer, std::uint32_t length) {
 }
 
 void TStopSocket::write(const std::uint8_t* buffer, std::uint32_t length) {
+  callBegan_ = TClock::now();
   startAnswer();
   while (length > 0) {
     const ssize_t put = isOpen() ? send(socket_, buffer, length, MSG_NOSIGNAL) : 0;

@@ -10,7 +10,8 @@ struct addrinfo;
 namespace hollowmere {
 
 /// A TCP connection that a stop flag ends: the library's own waits for a server as long as its time-out.
-/// After the stop a call under way still has a second, in which a healthy server confirms the last batch.
+/// After the stop a call still has a second from its beginning, in which a healthy server confirms the last
+/// batch. A name that is looked up for longer than a connection may take is given up.
 /// Everything throws TThriftFault. Belongs to one thread.
 class TStopSocket : public apache::thrift::transport::TVirtualTransport<TStopSocket> {
  public:
@@ -39,6 +40,7 @@ class TStopSocket : public apache::thrift::transport::TVirtualTransport<TStopSoc
   TThriftOptions options_;
   int socket_ = -1;
   int error_ = 0;  ///< of the last address that was tried
+  TClock::time_point callBegan_;
   TClock::time_point answerUntil_;
 };
 

@@ -14,6 +14,10 @@ using apache::thrift::TConfiguration;
 using apache::thrift::protocol::TBinaryProtocolT;
 using apache::thrift::transport::TFramedTransport;
 
+/// The least that an element of a list or map takes: the length of a text, or a field and the end of a
+/// struct.
+constexpr int elementBytes = 4;
+
 std::shared_ptr<TConfiguration> configurationOf(const TThriftOptions& options) {
   return std::make_shared<TConfiguration>(options.frameBytes, options.frameBytes);
 }
@@ -28,6 +32,12 @@ TThriftLink::TThriftLink(const TThriftOptions& options) {
   // Known by its own type, the transport costs no virtual call per byte.
   auto protocol = std::make_shared<TBinaryProtocolT<TFramedTransport>>(frames_);
   protocol->setStrict(true, true);
+  // The library makes room for what an answer announces before it looks for it. No answer holds more than
+  // its bytes. A limit of 0 would be none.
+  frames_->onAnswer([bounded = protocol.get()](std::uint32_t bytes) {
+    bounded->setStringSizeLimit(static_cast<std::int32_t>(std::max(bytes, 1U)));
+    bounded->setContainerSizeLimit(std::max(static_cast<std::int32_t>(bytes) / elementBytes, 1));
+  });
   protocol_ = std::move(protocol);
   socket_->open();
 }

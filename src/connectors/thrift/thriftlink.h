@@ -15,7 +15,8 @@ class THolding;
 class TStopSocket;
 
 /// An open connection to a Thrift server, framed transport and binary protocol, that a generated client runs
-/// over. Belongs to one thread; faults are TThriftFault and end it.
+/// over. Belongs to one thread; faults are TThriftFault and end it. What an answer claims to hold is bounded
+/// by its own length: the library throws TProtocolException for more.
 class TThriftLink {
  public:
   /// Connects.

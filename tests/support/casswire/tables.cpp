@@ -19,7 +19,7 @@ const std::map<std::string, std::string> simpleClasses = {
     {"boolean", "BooleanType"},  {"double", "DoubleType"},       {"blob", "BytesType"},
     {"uuid", "UUIDType"},        {"timestamp", "TimestampType"}, {"varint", "IntegerType"},
     {"decimal", "DecimalType"},  {"float", "FloatType"},         {"timeuuid", "TimeUUIDType"},
-    {"inet", "InetAddressType"}, {"ascii", "AsciiType"}};
+    {"inet", "InetAddressType"}, {"ascii", "AsciiType"},         {"counter", "CounterColumnType"}};
 
 std::string classOf(const std::string& type) {
   const auto found = simpleClasses.find(type);
@@ -84,6 +84,15 @@ void TTable::put(const TRow& row) {
     if (row[i]) kept[i] = row[i];
 }
 
+void TTable::addTo(TRow row) {
+  const TRow& before = rows[keyBytes(*this, row, "clustering")];
+  for (std::size_t i = 0; i < before.size(); ++i)
+    if (columns[i].type == "counter" && before[i] && row[i])
+      row[i] = bigEndian(
+          static_cast<std::uint64_t>(hollowmere::bigEndian(*before[i]) + hollowmere::bigEndian(*row[i])), 8);
+  put(row);
+}
+
 /// One statement, taken apart as it runs. Without values only its markers are gathered.
 class TStatement {
  public:
@@ -95,6 +104,7 @@ class TStatement {
     if (tokens_.empty()) throw TRefusal{"line 0:-1 no viable alternative at input '<EOF>'"};
     if (isWord("select")) return select();
     if (isWord("insert")) return insert();
+    if (isWord("update")) return update();
     if (isWord("begin")) {
       at_ += 3;
       while (!isWord("apply")) {
@@ -179,6 +189,27 @@ class TStatement {
       if (into.columns[i].kind == "partition_key" && row[i]->empty()) throw TRefusal{"Key may not be empty"};
     ++tables_.written;
     if (!tables_.discards) into.put(row);
+    return {};
+  }
+
+  /// "update t set c=c+? where k=?", of counters.
+  TRows update() {
+    ++at_;
+    TTable& into = table();
+    expect("set");
+    TRow row(into.columns.size());
+    do {
+      const std::size_t at = into.columnAt(name());
+      at_ += 3;
+      row.at(at) = value(into.columns.at(at).classText);
+    } while (pass(","));
+    for (const TCondition& condition : conditions(into)) row[condition.column] = condition.value;
+    for (std::size_t i = 0; i < into.columns.size(); ++i)
+      if (into.columns[i].kind != "regular" && !row[i])
+        throw TRefusal{"Some partition key parts are missing: " + into.columns[i].name};
+    if (!values_) return {};
+    into.addTo(row);
+    ++tables_.written;
     return {};
   }
 

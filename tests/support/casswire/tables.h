@@ -27,6 +27,7 @@ struct TTable {
   [[nodiscard]] std::size_t columnAt(const std::string& name) const;  ///< columns.size() when it is not there
   [[nodiscard]] std::int64_t token(const TRow& row) const;            ///< of the partition key
   void put(const TRow& row);
+  void addTo(TRow row);  ///< puts it, its counters added to those that are there
 };
 
 /// Of the bytes of a partition key: spread over all numbers, as a partitioner does.
@@ -44,7 +45,8 @@ struct TRefusal {
 };
 
 /// Tables, and the statements on them that a client of ours sends: select with conditions on columns and
-/// tokens, insert, unlogged batches of inserts. Version texts before "3" have the older schema tables.
+/// tokens, insert, unlogged batches of inserts, updates of counters. Version texts before "3" have the older
+/// schema tables.
 class TTables {
  public:
   explicit TTables(const std::string& releaseVersion);
