@@ -8,6 +8,8 @@
 #include "connectors/hbase/hbaseconnector.h"
 #include "connectors/hbase/hbasefiltertext.h"
 #include "connectors/hbase/hbasequery.h"
+#include "connectors/mongodb/mongoconnector.h"
+#include "json/encoding.h"
 #include "json/json.h"
 #include "support/hbasewire/standin.h"
 #include "support/tempfolder.h"
@@ -91,14 +93,14 @@ TEST_P(HBase, RowsAreDocumentsAndBack) {
          TObject{{"rowkey", TValue::binary(odd)}, {"cf:x", TValue::binary("plain")}, {"n:yes", true}},
          TObject{{"ROWKEY", "&base64;/wE="}, {"&base64;Y2Y6/w==", "odd name"}, {"cf:", "no qualifier"}},
          TObject{{"rowkey", 7},
-                 {"cf:said", " say &quot;hi&quot;, &str;7 & so on "},
+                 {"cf:said", "say &quot;hi&quot;, &str;7 & so on"},
                  {"n:double", 1.5},
                  {"n:null", nullptr},
                  {"n:list", TList{1, "a"}}}});
   EXPECT_EQ(sink.storedCount, 4);
   EXPECT_TRUE(sink.refusals.empty());
   const std::string expected =
-      R"({"rowkey":"7","cf:said":" say \"hi\", 7 & so on ","n:double":"1.50","n:list":"[1,\"a\"]","n:null":""})"
+      R"({"rowkey":"7","cf:said":"say \"hi\", 7 & so on","n:double":"1.50","n:list":"[1,\"a\"]","n:null":""})"
       R"({"rowkey":"k1","cf:bytes":"&base64;/wA=","cf:text":"a:b","n:int":"5"})"
       R"({"rowkey":"&base64;/wA=","cf:x":"plain","n:yes":"true"})"
       R"({"rowkey":"&base64;/wE=","cf:":"no qualifier","&base64;Y2Y6/w==":"odd name"})";
@@ -120,6 +122,50 @@ TEST_P(HBase, RowsAreDocumentsAndBack) {
   EXPECT_EQ(sink.storedCount, 8);
   EXPECT_EQ(plain().first, expected);
   EXPECT_EQ(THBaseClient(thriftOptions(options(), "HBase", 9090)).row(table, "k1").cells.at(0).value, odd);
+}
+
+/// Cells that are text for UTF-8 alone: numbers, what is written like a marker, and blanks at the ends.
+TEST_P(HBase, BytesAreTheSameBehindOtherStores) {
+  using namespace std::string_literals;
+  const std::vector<std::string> cells{"\0\0\0\0\0\0\0A"s, "\0\0\0\0\0\0\0 "s, "\x01"s,        "a &quot; b"s,
+                                       "&str;5"s,          "&base64;AAE="s,    " indented\n"s, "plain"s};
+  TObject row{{"rowkey", TValue::binary("\0\0\0\x07"s)}};
+  for (std::size_t i = 0; i < cells.size(); ++i)
+    row.add("cf:c" + std::to_string(i), TValue::binary(cells[i]));
+  row.add("&base64;" + toBase64("cf:\0\x10"s), "binary name");
+  write({row});
+  ASSERT_EQ(sink.storedCount, 1);
+  const auto bytesOf = [this] {
+    std::string all;
+    for (const THBaseCell& cell :
+         THBaseClient(thriftOptions(options(), "HBase", 9090)).row(table, "\0\0\0\x07"s).cells)
+      all += cell.column + "=" + cell.value + "|";
+    return all;
+  };
+  const std::string before = bytesOf();
+  const auto theRow = [](const TStoreConnector& from, const TStoreOptions& with, const TDataSource& source) {
+    const auto reader = from.connectSource(with);
+    reader->openRoot(source, {});
+    return *reader->next();
+  };
+  const TObject read = theRow(*connector, options(), hbaseSource(table));
+  write({read});
+  EXPECT_EQ(bytesOf(), before) << "from HBase to HBase";
+
+  const auto mongo = makeMongoConnector();
+  const TStoreOptions there = optionsFor(mongoRecord(sharedServer().port()));
+  const auto writer = mongo->connectTarget(there);
+  const std::string collection = table + (GetParam() ? "real" : "");
+  writer->openTarget({"target", collection, {}});
+  writer->write(TObject(read), sink);
+  writer->flush(sink);
+  ASSERT_EQ(sink.storedCount, 3);
+  TObject back = theRow(*mongo, there, mongoSource(collection));
+  back.remove("_id");
+  EXPECT_EQ(toJson(back, TTextForm::Markers), toJson(read, TTextForm::Markers));
+  THBaseClient(thriftOptions(options(), "HBase", 9090)).deleteRow(table, "\0\0\0\x07"s);
+  write({back});
+  EXPECT_EQ(bytesOf(), before) << "by way of MongoDB";
 }
 
 TEST_P(HBase, FiltersLimitTheRows) {
