@@ -165,7 +165,8 @@ TEST_F(HBaseFaults, ARefusedBatchIsTakenApart) {
   write(*writer(4), 11, 4);
   EXPECT_EQ(sink.storedCount, 3);
   ASSERT_EQ(sink.refusals.size(), 1U);
-  EXPECT_EQ(sink.refusals[0].second, "The server failed in mutateRow of the table out without giving a reason.");
+  EXPECT_EQ(sink.refusals[0].second,
+            "The server failed in mutateRow of the table out without giving a reason.");
   EXPECT_EQ(inServer(), 13);
 }
 
