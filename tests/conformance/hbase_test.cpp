@@ -328,6 +328,14 @@ TEST_P(HBase, NamesATableThatIsMissingOrDisabled) {
         std::function<void(const std::string&)>(count)})
     EXPECT_EQ(faultOf(TStoreErrorKind::DataSource, [&] { use("missing"); }),
               "The table missing does not exist.");
+  // A server gives no reason for a name that cannot be a table's, whatever the filter.
+  const auto openFiltered = [this](const std::string& name) {
+    connector->connectSource(options())->openRoot(hbaseSource(name, "PrefixFilter('r')"), {});
+  };
+  for (const auto& use : {std::function<void(const std::string&)>(openTarget),
+                          std::function<void(const std::string&)>(openFiltered)})
+    EXPECT_EQ(faultOf(TStoreErrorKind::DataSource, [&] { use("my table"); }),
+              "The table my table does not exist.");
   EXPECT_EQ(faultOf(TStoreErrorKind::DataSource, [&] { openTarget(""); }),
             "Data target target names no HBase table.");
   EXPECT_EQ(faultOf(TStoreErrorKind::DataSource, [&] { open(""); }), "Data source  names no HBase table.");
@@ -338,6 +346,49 @@ TEST_P(HBase, NamesATableThatIsMissingOrDisabled) {
     EXPECT_EQ(faultOf(TStoreErrorKind::DataSource, [&] { use(table); }),
               "The table " + table + " is disabled.");
   client.drop(table);
+}
+
+TEST_P(HBase, ATableThatIsDisabledInTheMiddle) {
+  THBaseClient client(thriftOptions(options(), "HBase", 9090));
+  for (const std::int64_t bulkSize : {0, 4}) {
+    sink = {};
+    const auto writer = connector->connectTarget(options(bulkSize));
+    writer->openTarget({"target", table, {}});
+    const auto writeFive = [&](const std::string& keys) {
+      for (int i = 0; i < 5; ++i)
+        writer->write(TObject{{"rowkey", keys + std::to_string(i)}, {"cf:a", i}}, sink);
+      writer->flush(sink);
+    };
+    writeFive("a");
+    EXPECT_EQ(sink.storedCount, 5);
+    client.disable(table);
+    writeFive("b");
+    EXPECT_EQ(sink.storedCount, 5);
+    ASSERT_EQ(sink.refusals.size(), 5U);
+    for (const auto& [text, message] : sink.refusals)
+      EXPECT_EQ(message, "The table " + table + " is disabled.");
+    client.enable(table);
+    writeFive("c");
+    EXPECT_EQ(sink.storedCount, 10);
+  }
+  EXPECT_EQ(keys(), "a0 a1 a2 a3 a4 c0 c1 c2 c3 c4 ");
+}
+
+/// The rows of a batch that can be stored are, and the others are told apart.
+TEST_P(HBase, ABatchThatFailsInPart) {
+  const auto writer = connector->connectTarget(options(100));
+  writer->openTarget({"target", table, {}});
+  THBaseClient client(thriftOptions(options(), "HBase", 9090));
+  client.drop(table);
+  client.create(table, {{.name = "cf"}});
+  for (int i = 0; i < 10; ++i)
+    writer->write(TObject{{"rowkey", "r" + std::to_string(i)}, {i % 5 == 3 ? "n:a" : "cf:a", i}}, sink);
+  writer->flush(sink);
+  EXPECT_EQ(sink.storedCount, 8);
+  ASSERT_EQ(sink.refusals.size(), 2U);
+  for (const auto& [text, message] : sink.refusals)
+    EXPECT_EQ(message, "The table " + table + " has no column family n.");
+  EXPECT_EQ(keys(), "r0 r1 r2 r4 r5 r6 r7 r9 ");
 }
 
 TEST_P(HBase, TablesAreMadeAndChanged) {
