@@ -1,5 +1,6 @@
 #include "connectors/markers.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <stdexcept>
@@ -18,20 +19,25 @@ constexpr std::string_view textMarker = "&str;";
 
 bool isBlank(char c) { return static_cast<unsigned char>(c) <= ' '; }
 
+bool isControl(char c) { return static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\n' && c != '\r'; }
+
 bool hasSeparator(std::string_view text) { return text.find_first_of("/: ") != std::string_view::npos; }
 
 /// What one pass over a text finds out.
 struct TLook {
   bool beyondAscii = false;
   bool ampersand = false;
+  bool belowBlank = false;
 };
 
 /// Eight bytes at a time: most texts hold neither.
 TLook look(std::string_view text) {
-  constexpr std::uint64_t ones = 0x0101010101010101, highs = 0x8080808080808080, ampersands = ones * '&';
-  std::uint64_t high = 0, found = 0;
+  constexpr std::uint64_t ones = 0x0101010101010101, highs = 0x8080808080808080, ampersands = ones * '&',
+                          blanks = ones * ' ';
+  std::uint64_t high = 0, found = 0, low = 0;
   const auto add = [&](std::uint64_t word) {
     high |= word;
+    low |= (word - blanks) & ~word;
     const std::uint64_t difference = word ^ ampersands;
     found |= (difference - ones) & ~difference;
   };
@@ -42,8 +48,9 @@ TLook look(std::string_view text) {
     std::memcpy(&word, at, sizeof word);
     add(word);
   }
-  for (; left > 0; ++at, --left) add(static_cast<unsigned char>(*at));
-  return {(high & highs) != 0, (found & highs) != 0};
+  // The upper bytes of the rest are filled with what is never looked for.
+  for (; left > 0; ++at, --left) add(blanks << 8 | static_cast<unsigned char>(*at));
+  return {(high & highs) != 0, (found & highs) != 0, (low & highs) != 0};
 }
 
 TValue decoded(std::string_view text) {
@@ -72,6 +79,17 @@ std::string UnescapeMarkers(std::string_view text) {
 }
 
 bool isValidText(std::string_view bytes) { return isUtf8(bytes); }
+
+bool isPlainText(std::string_view bytes) {
+  if (bytes.empty()) return true;
+  const TLook seen = look(bytes);
+  if (isBlank(bytes.front()) || isBlank(bytes.back())) return false;
+  if (seen.belowBlank && std::any_of(bytes.begin(), bytes.end(), isControl)) return false;
+  if (seen.ampersand && (hasBinaryMarker(bytes) || bytes.find(quoteMarker) != std::string_view::npos ||
+                         bytes.find(textMarker) != std::string_view::npos))
+    return false;
+  return !seen.beyondAscii || isValidText(bytes);
+}
 
 std::optional<TValue> convertText(const std::string& text, bool inList, const TDateTimeText& dates) {
   if (text.empty()) return std::nullopt;

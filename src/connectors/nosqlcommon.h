@@ -49,6 +49,10 @@ std::string textForm(const TValue& value);
 /// Whether the bytes are strict UTF-8.
 bool isValidText(std::string_view bytes);
 
+/// Whether every store takes the bytes as a text and gives them back: UTF-8 without control characters (tab
+/// and line ends may be), without blanks or line ends at its ends, which are trimmed, and without markers.
+bool isPlainText(std::string_view bytes);
+
 /// What a text of a document becomes when a store with types takes it: "true" and "false" (any case) a
 /// Boolean; "&base64;" + Base64, and bytes that are no text, a Binary (not in lists, where they stay);
 /// a date-time with "/", ":" or a blank in it a DateTime; otherwise the text after UnescapeMarkers().

@@ -6,6 +6,7 @@
 #include "app/program.h"
 #include "json/json.h"
 #include "project/projectdocument.h"
+#include "support/localserver.h"
 #include "support/mongowire/standin.h"
 
 namespace hollowmere {
@@ -289,6 +290,22 @@ TEST_F(Programs, MongoActionsWorkFromTheCommandLine) {
                                                                  {"mongo", address, "find"},
                                                                  {"mongo", address, "run", "x"}})
     EXPECT_EQ(cli(wrong).code, 2) << wrong.back();
+}
+
+/// A real one keeps silent when it is asked with frames.
+TEST_F(Programs, AnHBaseWithoutFramesIsNamedByTheCheck) {
+  const TLocalServer hbase("--unframed", "hbase");
+  const int port = hbase.port();
+  project.source = {"HBase", TObject{{"dbtype", "HBase"}, {"host", "127.0.0.1"}, {"port", port}}};
+  project.dataSources[0].definition = TObject{{"table", "rows"}, {"query", ""}};
+  seal();
+  const auto start = steady_clock::now();
+  const TEnd check = cli({"check", projectFile});
+  EXPECT_LT(steady_clock::now() - start, milliseconds(10000));
+  EXPECT_EQ(check.code, 1);
+  EXPECT_EQ(check.err,
+            "hollowmere-cli: Unable to connect to source database: 127.0.0.1:" + std::to_string(port) +
+                " answers without frames; the Thrift server must be started with framed transport (-f).\n");
 }
 
 }  // namespace

@@ -207,7 +207,7 @@ class THBaseBed : public TBed {
       const std::string& text = cell.value.asText();
       members[cell.name.substr(2, 2)] = {cell.name.substr(4), cell.name[0] == 'j'   ? typedJson(text)
                                                               : cell.name[0] == 'b' ? TValue::binary(text)
-                                                                                    : cell.value};
+                                                                                    : TValue(text)};
     }
     TObject document;
     for (auto& [place, member] : members) document.add(member.name, std::move(member.value));

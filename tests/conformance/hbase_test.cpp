@@ -8,6 +8,8 @@
 #include "connectors/hbase/hbaseconnector.h"
 #include "connectors/hbase/hbasefiltertext.h"
 #include "connectors/hbase/hbasequery.h"
+#include "connectors/mongodb/mongoconnector.h"
+#include "json/encoding.h"
 #include "json/json.h"
 #include "support/hbasewire/standin.h"
 #include "support/tempfolder.h"
@@ -91,14 +93,14 @@ TEST_P(HBase, RowsAreDocumentsAndBack) {
          TObject{{"rowkey", TValue::binary(odd)}, {"cf:x", TValue::binary("plain")}, {"n:yes", true}},
          TObject{{"ROWKEY", "&base64;/wE="}, {"&base64;Y2Y6/w==", "odd name"}, {"cf:", "no qualifier"}},
          TObject{{"rowkey", 7},
-                 {"cf:said", " say &quot;hi&quot;, &str;7 & so on "},
+                 {"cf:said", "say &quot;hi&quot;, &str;7 & so on"},
                  {"n:double", 1.5},
                  {"n:null", nullptr},
                  {"n:list", TList{1, "a"}}}});
   EXPECT_EQ(sink.storedCount, 4);
   EXPECT_TRUE(sink.refusals.empty());
   const std::string expected =
-      R"({"rowkey":"7","cf:said":" say \"hi\", 7 & so on ","n:double":"1.50","n:list":"[1,\"a\"]","n:null":""})"
+      R"({"rowkey":"7","cf:said":"say \"hi\", 7 & so on","n:double":"1.50","n:list":"[1,\"a\"]","n:null":""})"
       R"({"rowkey":"k1","cf:bytes":"&base64;/wA=","cf:text":"a:b","n:int":"5"})"
       R"({"rowkey":"&base64;/wA=","cf:x":"plain","n:yes":"true"})"
       R"({"rowkey":"&base64;/wE=","cf:":"no qualifier","&base64;Y2Y6/w==":"odd name"})";
@@ -120,6 +122,50 @@ TEST_P(HBase, RowsAreDocumentsAndBack) {
   EXPECT_EQ(sink.storedCount, 8);
   EXPECT_EQ(plain().first, expected);
   EXPECT_EQ(THBaseClient(thriftOptions(options(), "HBase", 9090)).row(table, "k1").cells.at(0).value, odd);
+}
+
+/// Cells that are text for UTF-8 alone: numbers, what is written like a marker, and blanks at the ends.
+TEST_P(HBase, BytesAreTheSameBehindOtherStores) {
+  using namespace std::string_literals;
+  const std::vector<std::string> cells{"\0\0\0\0\0\0\0A"s, "\0\0\0\0\0\0\0 "s, "\x01"s,        "a &quot; b"s,
+                                       "&str;5"s,          "&base64;AAE="s,    " indented\n"s, "plain"s};
+  TObject row{{"rowkey", TValue::binary("\0\0\0\x07"s)}};
+  for (std::size_t i = 0; i < cells.size(); ++i)
+    row.add("cf:c" + std::to_string(i), TValue::binary(cells[i]));
+  row.add("&base64;" + toBase64("cf:\0\x10"s), "binary name");
+  write({row});
+  ASSERT_EQ(sink.storedCount, 1);
+  const auto bytesOf = [this] {
+    std::string all;
+    for (const THBaseCell& cell :
+         THBaseClient(thriftOptions(options(), "HBase", 9090)).row(table, "\0\0\0\x07"s).cells)
+      all += cell.column + "=" + cell.value + "|";
+    return all;
+  };
+  const std::string before = bytesOf();
+  const auto theRow = [](const TStoreConnector& from, const TStoreOptions& with, const TDataSource& source) {
+    const auto reader = from.connectSource(with);
+    reader->openRoot(source, {});
+    return *reader->next();
+  };
+  const TObject read = theRow(*connector, options(), hbaseSource(table));
+  write({read});
+  EXPECT_EQ(bytesOf(), before) << "from HBase to HBase";
+
+  const auto mongo = makeMongoConnector();
+  const TStoreOptions there = optionsFor(mongoRecord(sharedServer().port()));
+  const auto writer = mongo->connectTarget(there);
+  const std::string collection = table + (GetParam() ? "real" : "");
+  writer->openTarget({"target", collection, {}});
+  writer->write(TObject(read), sink);
+  writer->flush(sink);
+  ASSERT_EQ(sink.storedCount, 3);
+  TObject back = theRow(*mongo, there, mongoSource(collection));
+  back.remove("_id");
+  EXPECT_EQ(toJson(back, TTextForm::Markers), toJson(read, TTextForm::Markers));
+  THBaseClient(thriftOptions(options(), "HBase", 9090)).deleteRow(table, "\0\0\0\x07"s);
+  write({back});
+  EXPECT_EQ(bytesOf(), before) << "by way of MongoDB";
 }
 
 TEST_P(HBase, FiltersLimitTheRows) {
@@ -282,6 +328,14 @@ TEST_P(HBase, NamesATableThatIsMissingOrDisabled) {
         std::function<void(const std::string&)>(count)})
     EXPECT_EQ(faultOf(TStoreErrorKind::DataSource, [&] { use("missing"); }),
               "The table missing does not exist.");
+  // A server gives no reason for a name that cannot be a table's, whatever the filter.
+  const auto openFiltered = [this](const std::string& name) {
+    connector->connectSource(options())->openRoot(hbaseSource(name, "PrefixFilter('r')"), {});
+  };
+  for (const auto& use : {std::function<void(const std::string&)>(openTarget),
+                          std::function<void(const std::string&)>(openFiltered)})
+    EXPECT_EQ(faultOf(TStoreErrorKind::DataSource, [&] { use("my table"); }),
+              "The table my table does not exist.");
   EXPECT_EQ(faultOf(TStoreErrorKind::DataSource, [&] { openTarget(""); }),
             "Data target target names no HBase table.");
   EXPECT_EQ(faultOf(TStoreErrorKind::DataSource, [&] { open(""); }), "Data source  names no HBase table.");
@@ -292,6 +346,49 @@ TEST_P(HBase, NamesATableThatIsMissingOrDisabled) {
     EXPECT_EQ(faultOf(TStoreErrorKind::DataSource, [&] { use(table); }),
               "The table " + table + " is disabled.");
   client.drop(table);
+}
+
+TEST_P(HBase, ATableThatIsDisabledInTheMiddle) {
+  THBaseClient client(thriftOptions(options(), "HBase", 9090));
+  for (const std::int64_t bulkSize : {0, 4}) {
+    sink = {};
+    const auto writer = connector->connectTarget(options(bulkSize));
+    writer->openTarget({"target", table, {}});
+    const auto writeFive = [&](const std::string& keys) {
+      for (int i = 0; i < 5; ++i)
+        writer->write(TObject{{"rowkey", keys + std::to_string(i)}, {"cf:a", i}}, sink);
+      writer->flush(sink);
+    };
+    writeFive("a");
+    EXPECT_EQ(sink.storedCount, 5);
+    client.disable(table);
+    writeFive("b");
+    EXPECT_EQ(sink.storedCount, 5);
+    ASSERT_EQ(sink.refusals.size(), 5U);
+    for (const auto& [text, message] : sink.refusals)
+      EXPECT_EQ(message, "The table " + table + " is disabled.");
+    client.enable(table);
+    writeFive("c");
+    EXPECT_EQ(sink.storedCount, 10);
+  }
+  EXPECT_EQ(keys(), "a0 a1 a2 a3 a4 c0 c1 c2 c3 c4 ");
+}
+
+/// The rows of a batch that can be stored are, and the others are told apart.
+TEST_P(HBase, ABatchThatFailsInPart) {
+  const auto writer = connector->connectTarget(options(100));
+  writer->openTarget({"target", table, {}});
+  THBaseClient client(thriftOptions(options(), "HBase", 9090));
+  client.drop(table);
+  client.create(table, {{.name = "cf"}});
+  for (int i = 0; i < 10; ++i)
+    writer->write(TObject{{"rowkey", "r" + std::to_string(i)}, {i % 5 == 3 ? "n:a" : "cf:a", i}}, sink);
+  writer->flush(sink);
+  EXPECT_EQ(sink.storedCount, 8);
+  ASSERT_EQ(sink.refusals.size(), 2U);
+  for (const auto& [text, message] : sink.refusals)
+    EXPECT_EQ(message, "The table " + table + " has no column family n.");
+  EXPECT_EQ(keys(), "r0 r1 r2 r4 r5 r6 r7 r9 ");
 }
 
 TEST_P(HBase, TablesAreMadeAndChanged) {

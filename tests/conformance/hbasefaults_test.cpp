@@ -5,7 +5,9 @@
 #include "conformance/bed.h"
 #include "connectors/hbase/hbaseclient.h"
 #include "connectors/hbase/hbaseconnector.h"
+#include "support/casswire/standin.h"
 #include "support/hbasewire/standin.h"
+#include "support/httppeer.h"
 
 namespace hollowmere {
 
@@ -165,7 +167,8 @@ TEST_F(HBaseFaults, ARefusedBatchIsTakenApart) {
   write(*writer(4), 11, 4);
   EXPECT_EQ(sink.storedCount, 3);
   ASSERT_EQ(sink.refusals.size(), 1U);
-  EXPECT_EQ(sink.refusals[0].second, "The server failed in mutateRow without giving a reason.");
+  EXPECT_EQ(sink.refusals[0].second,
+            "The server failed in mutateRow of the table out without giving a reason.");
   EXPECT_EQ(inServer(), 13);
 }
 
@@ -183,6 +186,41 @@ TEST_F(HBaseFaults, ATableThatGoesAwayInTheMiddle) {
     write(*to, 5, 4);
     EXPECT_EQ(sink.storedCount, 8);
   }
+}
+
+/// As a server that goes on trying for longer than an answer is waited for.
+TEST_F(HBaseFaults, ASilenceBecauseOfADisabledTableIsExplained) {
+  const auto to = writer(4, 1);
+  server->tables().disableTable("out");
+  server->server().onCall("mutateRows", TWireServer::every, TFault::silence);
+  write(*to, 1, 4);
+  ASSERT_EQ(sink.refusals.size(), 4U);
+  EXPECT_EQ(sink.refusals[3].second, "The table out is disabled.");
+}
+
+TEST_F(HBaseFaults, ATableIsDroppedOnlyWhenItCanBeMadeAgain) {
+  const auto truncateFault = [this](const std::string& table) {
+    try {
+      THBaseClient(thriftOptions(options(), "HBase", 9090)).truncate(table);
+    } catch (const THBaseFault& fault) {
+      return std::string(fault.what());
+    }
+    return std::string();
+  };
+  hbasewire::ColumnDescriptor family;
+  family.name = "cf:";
+  family.bloomFilterType = "ROWPREFIX_FIXED_LENGTH";
+  server->tables().createTable("odd", {family});
+  server->tables().put("odd", "r", "cf:a", "1");
+  EXPECT_TRUE(truncateFault("odd").starts_with(
+      "The table odd was left as it is: this interface cannot make its column family {NAME => 'cf', "));
+  EXPECT_EQ(server->tables().rowCount("odd"), 1U);
+  server->server().onCall("createTable", 1, TFault::internalError);
+  EXPECT_EQ(
+      truncateFault("out"),
+      "The server failed in createTable of the table out without giving a reason. The table out was dropped "
+      "and could not be made again. Its column families were: {NAME => 'cf', VERSIONS => 3, COMPRESSION => "
+      "'NONE', TTL => 2147483647, BLOOMFILTER => 'NONE', IN_MEMORY => false, BLOCKCACHE => false}");
 }
 
 TEST_F(HBaseFaults, AServerThatIsKilledAndComesBack) {
@@ -218,6 +256,26 @@ TEST_F(HBaseFaults, AConnectionThatTheServerFoundIdle) {
   int rows = 0;
   while (from->next()) ++rows;
   EXPECT_EQ(rows, 10);
+  // Opening one more source, a nested query and a target meet such a connection, too.
+  server->server().dropConnections();
+  from->openRoot(hbaseSource("in"), {});
+  server->server().dropConnections();
+  rows = 0;
+  from->nested(hbaseSource("in", "PrefixFilter(:k)"), TObject{{"k", "r10"}},
+               [&](TObject&&) { return ++rows > 0; });
+  EXPECT_EQ(rows, 9);
+  server->server().dropConnections();
+  to->openTarget({"target", "out", {}});
+  write(*to, 7, 1);
+  EXPECT_EQ(sink.storedCount, 7);
+  THBaseClient client(thriftOptions(options(), "HBase", 9090));
+  for (const auto& use : {std::function<void()>([&] { client.create("other", {{.name = "cf"}}); }),
+                          std::function<void()>([&] { client.disable("other"); }),
+                          std::function<void()>([&] { client.drop("other"); })}) {
+    client.tables();
+    server->server().dropConnections();
+    EXPECT_NO_THROW(use());
+  }
 }
 
 TEST_F(HBaseFaults, ASilentServerIsLeft) {
@@ -280,6 +338,11 @@ TEST_F(HBaseFaults, ConnectingTellsWhatIsWrong) {
   server->server().clearFaults();
   server->server().onCall("getTableNames", TWireServer::every, TFault::internalError);
   EXPECT_EQ(faultAt(server->port()), "The server failed in getTableNames without giving a reason.");
+  const THttpPeer web("HTTP/1.1 400 Bad Request\r\n\r\n");
+  EXPECT_EQ(faultAt(web.port()), " is a web server, not a Thrift server with framed transport.");
+  const casswire::TCassandraStandIn cassandra;
+  EXPECT_EQ(faultAt(cassandra.port()),
+            "The server does not know the method getTableNames: it is not HBase's first Thrift service.");
 }
 
 TEST_F(HBaseFaults, ACellOf20MB) {
@@ -299,6 +362,7 @@ TEST_F(HBaseFaults, BatchesKeepWithinAFrame) {
   const auto to = writer(1000);
   for (int i = 0; i < 100; ++i)
     to->write(TObject{{"rowkey", "r" + std::to_string(i)}, {"cf:a", std::string(100'000, 'y')}}, sink);
+  EXPECT_EQ(sink.storedCount, 60) << "the fourth batch is on its way, the fifth is being filled";
   to->flush(sink);
   EXPECT_EQ(sink.storedCount, 100);
   EXPECT_EQ(server->server().calls("mutateRows"), 5U);

@@ -299,6 +299,33 @@ TEST(NosqlCommon, tornTextsAreSurvived) {
   }
 }
 
+TEST(NosqlCommon, plainTextsArriveAsTheyAre) {
+  using namespace std::string_literals;
+  for (const auto& text :
+       {""s, "a"s, "two words"s, "h\xC3\xA9 & so on;"s, "line\tone\r\nline two"s, "a \x7F b"s})
+    EXPECT_TRUE(isPlainText(text)) << text;
+  const std::vector<std::string> pieces{"\0"s, "\x1F"s,   " "s,        "\n"s, "\xC3"s,  "\xC3\xA9"s,
+                                        "&"s,  "&quot;"s, "&BASE64;"s, "a"s,  "bcdef"s, "&str;"s};
+  const TDateTimeText dates("en_US");
+  std::mt19937 random(7);
+  int plain = 0;
+  for (int i = 0; i < 20000; ++i) {
+    std::string text;
+    for (std::uint32_t count = 1 + random() % 4; count > 0; --count) text += pieces[random() % pieces.size()];
+    const bool hasControl = text.find('\0') != std::string::npos || text.find('\x1F') != std::string::npos;
+    const auto changes = [&] {
+      try {
+        return convertText(text, false, dates).has_value();
+      } catch (const std::runtime_error&) {
+        return true;
+      }
+    };
+    EXPECT_EQ(isPlainText(text), !hasControl && !changes()) << text;
+    plain += isPlainText(text) ? 1 : 0;
+  }
+  EXPECT_GT(plain, 1000);
+}
+
 TEST(NosqlCommon, manyNestedWrappersEnd) {
   std::string text;
   for (int i = 0; i < 100000; ++i) text += "NumberLong(";

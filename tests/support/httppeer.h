@@ -12,7 +12,8 @@
 
 namespace hollowmere {
 
-/// Answers every HTTP request on a free loopback port with the same bytes; with none it says nothing.
+/// Answers every HTTP request on a free loopback port with the same bytes, and what is no HTTP, too; with
+/// none it says nothing.
 class THttpPeer {
  public:
   explicit THttpPeer(std::string answer)
@@ -44,6 +45,7 @@ class THttpPeer {
   [[nodiscard]] std::string address(const std::string& path = "/") const {
     return "http://127.0.0.1:" + std::to_string(port_) + path;
   }
+  [[nodiscard]] std::uint16_t port() const { return port_; }
   [[nodiscard]] int requests() const { return requests_; }
 
  private:
@@ -54,7 +56,7 @@ class THttpPeer {
       ++requests_;
       std::string request;
       char part[1024];
-      while (request.find("\r\n\r\n") == std::string::npos) {
+      while (request.find("\r\n\r\n") == std::string::npos && (request.empty() || request[0] > ' ')) {
         const auto got = ::recv(peer, part, sizeof part, 0);
         if (got <= 0) break;
         request.append(part, static_cast<std::size_t>(got));

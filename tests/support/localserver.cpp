@@ -12,8 +12,9 @@ namespace {
 
 constexpr char scripts[] = HOLLOWMERE_TESTS_DIR "/servers/";
 
-/// What a command prints; throws when it fails.
-std::string outputOf(const std::string& command) {
+}  // namespace
+
+std::string printedBy(const std::string& command) {
   FILE* pipe = popen(command.c_str(), "r");
   if (!pipe) throw std::runtime_error("unable to run " + command);
   std::string output;
@@ -22,11 +23,9 @@ std::string outputOf(const std::string& command) {
   return output;
 }
 
-}  // namespace
-
-TLocalServer::TLocalServer(const std::string& options, const std::string& name) : script_(scripts + name) {
-  const std::string line =
-      outputOf(script_ + " start --port 0 --parent " + std::to_string(getpid()) + " " + options);
+TLocalServer::TLocalServer(const std::string& options, const std::string& name)
+    : options_(" --parent " + std::to_string(getpid()) + " " + options), script_(scripts + name) {
+  const std::string line = printedBy(script_ + " start --port 0" + options_);
   const std::string address = "127.0.0.1:";
   const std::size_t at = line.find(address);
   if (at == std::string::npos) throw std::runtime_error("no address: " + line);
@@ -36,6 +35,12 @@ TLocalServer::TLocalServer(const std::string& options, const std::string& name) 
 TLocalServer::~TLocalServer() {
   // Should it fail, the server still ends with this program.
   if (std::system((script_ + " stop " + std::to_string(port_) + " >/dev/null 2>&1").c_str()) != 0) return;
+}
+
+void TLocalServer::crash() const { printedBy(script_ + " crash " + std::to_string(port_)); }
+
+void TLocalServer::resume() const {
+  printedBy(script_ + " resume --port " + std::to_string(port_) + options_);
 }
 
 }  // namespace hollowmere

@@ -1,6 +1,5 @@
 #include "connectors/cassandra/cassvalue.h"
 
-#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <optional>
@@ -8,8 +7,6 @@
 
 #include "connectors/cassandranumber.h"
 #include "connectors/cassandrascalar.h"
-#include "connectors/markers.h"
-#include "connectors/textpiece.h"
 #include "json/encoding.h"
 
 namespace hollowmere {
@@ -36,16 +33,6 @@ double widened(float number) {
 TValue textValue(std::string_view bytes, const TCassType& type) {
   if (!isValidText(bytes)) throwBadBytes(type.cql(), "not UTF-8");
   return bytes;
-}
-
-/// Whether every store takes the bytes as a text and gives them back: no control characters, nothing at the
-/// ends that would be trimmed, and not the marker, behind which the next reader expects Base64.
-bool isPlainText(std::string_view bytes) {
-  constexpr auto isControl = [](char c) {
-    return static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\n' && c != '\r';
-  };
-  return isValidText(bytes) && !hasBinaryMarker(bytes) && trimmed(bytes).size() == bytes.size() &&
-         std::none_of(bytes.begin(), bytes.end(), isControl);
 }
 
 TValue blobValue(std::string_view bytes) {

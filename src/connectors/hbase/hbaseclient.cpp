@@ -37,12 +37,12 @@ THBaseFaultKind kindOf(TThriftFaultKind kind) {
   }
 }
 
-THBaseFault unnamedFault(const TApplicationException& error, const std::string& method) {
-  if (error.getType() == TApplicationException::UNKNOWN_METHOD)
-    return {THBaseFaultKind::Unnamed,
-            "The server does not know the method " + method + ": it is not HBase's first Thrift service."};
-  return {THBaseFaultKind::Unnamed, "The server failed in " + method + " without giving a reason."};
+THBaseFault unknownMethod(const std::string& method) {
+  return {THBaseFaultKind::Other,
+          "The server does not know the method " + method + ": it is not HBase's first Thrift service."};
 }
+
+std::string ofTable(const std::string& table) { return table.empty() ? "" : " of the table " + table; }
 
 std::string withoutColon(std::string name) {
   if (!name.empty() && name.back() == ':') name.pop_back();
@@ -73,6 +73,21 @@ wire::ColumnDescriptor descriptorOf(const THBaseFamily& family) {
   told.__set_inMemory(family.inMemory);
   told.__set_blockCacheEnabled(family.blockCache);
   return told;
+}
+
+/// As HBase's shell writes it.
+std::string textOf(const THBaseFamily& family) {
+  const auto word = [](bool yes) { return yes ? "true" : "false"; };
+  return "{NAME => '" + family.name + "', VERSIONS => " + std::to_string(family.maxVersions) +
+         ", COMPRESSION => '" + family.compression + "', TTL => " +
+         std::to_string(family.timeToLive <= 0 ? forEver : family.timeToLive) + ", BLOOMFILTER => '" +
+         family.bloomFilter + "', IN_MEMORY => " + word(family.inMemory) + ", BLOCKCACHE => " +
+         word(family.blockCache) + "}";
+}
+
+/// Others need a setting that the interface cannot give.
+bool canBeMade(const THBaseFamily& family) {
+  return family.bloomFilter == "NONE" || family.bloomFilter == "ROW" || family.bloomFilter == "ROWCOL";
 }
 
 THBaseRow rowOf(wire::TRowResult& told) {
@@ -127,19 +142,14 @@ void THBaseBatch::beginRow(std::string_view key) {
   bytes_ += rowBytes + key.size();
 }
 
-void THBaseBatch::add(std::string_view column, std::string_view value, bool isDelete) {
+void THBaseBatch::put(std::string_view column, std::string_view value) {
   auto& changes = rows_->rows[rows_->count - 1].mutations;
   if (rows_->changes == changes.size()) changes.emplace_back();
   wire::Mutation& change = changes[rows_->changes++];
   change.column.assign(column);
   change.value.assign(value);
-  change.isDelete = isDelete;
   bytes_ += changeBytes + column.size() + value.size();
 }
-
-void THBaseBatch::put(std::string_view column, std::string_view value) { add(column, value, false); }
-
-void THBaseBatch::remove(std::string_view column) { add(column, {}, true); }
 
 void THBaseBatch::dropRow() {
   rows_->settleRow();
@@ -182,19 +192,64 @@ auto THBaseClient::call(const char* method, const std::string& table, TCall&& ac
   } catch (const wire::AlreadyExists&) {
     throw THBaseFault(THBaseFaultKind::Other, "The table " + table + " exists already.");
   } catch (const TApplicationException& error) {
-    // Others are made here, of an answer to something else.
-    const bool told = error.getType() == TApplicationException::INTERNAL_ERROR ||
-                      error.getType() == TApplicationException::UNKNOWN ||
-                      error.getType() == TApplicationException::UNKNOWN_METHOD;
-    if (!told) link_.reset();
-    throw unnamedFault(error, method);
+    if (error.getType() == TApplicationException::UNKNOWN_METHOD) throw unknownMethod(method);
+    // Others than these are made here, of an answer to something else.
+    if (error.getType() != TApplicationException::INTERNAL_ERROR &&
+        error.getType() != TApplicationException::UNKNOWN)
+      link_.reset();
+    throw unnamedFault(method, table);
   } catch (const TThriftFault& fault) {
     link_.reset();
     throw THBaseFault(kindOf(fault.kind()), fault.what());
   } catch (const TException& error) {
-    link_.reset();
-    throw THBaseFault(THBaseFaultKind::Lost,
-                      where() + " sent an answer that cannot be read (" + error.what() + ").");
+    throw unreadable(error.what());
+  } catch (const std::bad_alloc&) {
+    throw unreadable("no memory for it");
+  } catch (const std::length_error&) {
+    throw unreadable("no memory for it");
+  }
+}
+
+/// For calls that may be made twice: a connection that was there may have been closed, because it was idle
+/// for a minute, and is then replaced.
+template <class TCall>
+auto THBaseClient::repeatable(const char* method, const std::string& table, TCall&& act) {
+  const bool used = link_ != nullptr;
+  try {
+    return call(method, table, act);
+  } catch (const THBaseFault& fault) {
+    if (!used || fault.kind() != THBaseFaultKind::Lost || stopped()) throw;
+  }
+  return call(method, table, act);
+}
+
+/// Before calls that must not be made twice, so that they meet no connection that the server has given up.
+void THBaseClient::wake() {
+  if (link_) tables();
+}
+
+THBaseFault THBaseClient::unreadable(const std::string& why) {
+  link_.reset();
+  return {THBaseFaultKind::Lost, where() + " sent an answer that cannot be read (" + why + ")."};
+}
+
+/// A server that gives no reason may have been asked for a name that no table can have.
+THBaseFault THBaseClient::unnamedFault(const std::string& method, const std::string& table) {
+  if (link_ && method != "createTable" && isMissing(table))
+    return {THBaseFaultKind::NoTable, "The table " + table + " does not exist."};
+  return {THBaseFaultKind::Unnamed,
+          "The server failed in " + method + ofTable(table) + " without giving a reason."};
+}
+
+bool THBaseClient::isMissing(const std::string& table) {
+  // The server's own tables are not listed.
+  if (table.empty() || table.starts_with("hbase:")) return false;
+  try {
+    const std::vector<std::string> names = tables();
+    return std::none_of(names.begin(), names.end(),
+                        [&](const std::string& name) { return name == table || "default:" + name == table; });
+  } catch (const THBaseFault&) {
+    return false;
   }
 }
 
@@ -206,9 +261,9 @@ void THBaseClient::prove() {
     tables();
   } catch (const THBaseFault& fault) {
     if (fault.kind() == THBaseFaultKind::Stopped || fault.answered()) throw;
-    if (fault.kind() == THBaseFaultKind::Unframed ||
-        ((fault.kind() == THBaseFaultKind::TimedOut || fault.kind() == THBaseFaultKind::Lost) &&
-         answersUnframed(options_, "getTableNames")))
+    if ((fault.kind() == THBaseFaultKind::Unframed || fault.kind() == THBaseFaultKind::TimedOut ||
+         fault.kind() == THBaseFaultKind::Lost) &&
+        answersUnframed(options_, "getTableNames"))
       throw THBaseFault(
           THBaseFaultKind::Unframed,
           where() + " answers without frames; the Thrift server must be started with framed transport (-f).");
@@ -222,7 +277,7 @@ void THBaseClient::prove() {
 }
 
 std::int32_t THBaseClient::openScanner(const THBaseRange& range, std::int32_t batch) {
-  return call("scannerOpen", range.table, [&](wire::HbaseClient& calls) {
+  return repeatable("scannerOpen", range.table, [&](wire::HbaseClient& calls) {
     if (range.filter.empty() && range.from.empty() && range.before.empty())
       return calls.scannerOpen(range.table, {}, {}, noAttributes);
     wire::TScan scan;
@@ -276,21 +331,22 @@ void THBaseClient::awaitRows(const std::string& table) {
 }
 
 void THBaseClient::deleteRow(const std::string& table, const std::string& key) {
-  call("deleteAllRow", table,
-       [&](wire::HbaseClient& calls) { calls.deleteAllRow(table, key, noAttributes); });
+  repeatable("deleteAllRow", table,
+             [&](wire::HbaseClient& calls) { calls.deleteAllRow(table, key, noAttributes); });
 }
 
 THBaseRow THBaseClient::row(const std::string& table, const std::string& key) {
   std::vector<wire::TRowResult> told;
-  call("getRow", table, [&](wire::HbaseClient& calls) { calls.getRow(told, table, key, noAttributes); });
+  repeatable("getRow", table,
+             [&](wire::HbaseClient& calls) { calls.getRow(told, table, key, noAttributes); });
   return told.empty() ? THBaseRow{key, {}} : rowOf(told.front());
 }
 
 std::vector<THBaseCell> THBaseClient::versions(const std::string& table, const std::string& key,
                                                const std::string& column, std::int32_t most) {
   std::vector<wire::TCell> told;
-  call("getVer", table,
-       [&](wire::HbaseClient& calls) { calls.getVer(told, table, key, column, most, noAttributes); });
+  repeatable("getVer", table,
+             [&](wire::HbaseClient& calls) { calls.getVer(told, table, key, column, most, noAttributes); });
   std::vector<THBaseCell> cells;
   for (wire::TCell& cell : told) cells.push_back({column, std::move(cell.value), cell.timestamp});
   return cells;
@@ -298,14 +354,14 @@ std::vector<THBaseCell> THBaseClient::versions(const std::string& table, const s
 
 std::vector<std::string> THBaseClient::tables() {
   std::vector<std::string> names;
-  call("getTableNames", {}, [&](wire::HbaseClient& calls) { calls.getTableNames(names); });
+  repeatable("getTableNames", {}, [&](wire::HbaseClient& calls) { calls.getTableNames(names); });
   return names;
 }
 
 std::vector<THBaseFamily> THBaseClient::families(const std::string& table) {
   std::map<wire::Text, wire::ColumnDescriptor> told;
-  call("getColumnDescriptors", table,
-       [&](wire::HbaseClient& calls) { calls.getColumnDescriptors(told, table); });
+  repeatable("getColumnDescriptors", table,
+             [&](wire::HbaseClient& calls) { calls.getColumnDescriptors(told, table); });
   std::vector<THBaseFamily> families;
   for (const auto& [name, family] : told) families.push_back(familyOf(family));
   return families;
@@ -313,7 +369,7 @@ std::vector<THBaseFamily> THBaseClient::families(const std::string& table) {
 
 std::vector<THBaseRegion> THBaseClient::regions(const std::string& table) {
   std::vector<wire::TRegionInfo> told;
-  call("getTableRegions", table, [&](wire::HbaseClient& calls) { calls.getTableRegions(told, table); });
+  repeatable("getTableRegions", table, [&](wire::HbaseClient& calls) { calls.getTableRegions(told, table); });
   std::vector<THBaseRegion> regions;
   for (wire::TRegionInfo& region : told)
     regions.push_back({std::move(region.name), std::move(region.startKey), std::move(region.endKey),
@@ -322,20 +378,24 @@ std::vector<THBaseRegion> THBaseClient::regions(const std::string& table) {
 }
 
 bool THBaseClient::isEnabled(const std::string& table) {
-  return call("isTableEnabled", table, [&](wire::HbaseClient& calls) { return calls.isTableEnabled(table); });
+  return repeatable("isTableEnabled", table,
+                    [&](wire::HbaseClient& calls) { return calls.isTableEnabled(table); });
 }
 
 void THBaseClient::create(const std::string& table, const std::vector<THBaseFamily>& families) {
+  wake();
   std::vector<wire::ColumnDescriptor> told;
   for (const THBaseFamily& family : families) told.push_back(descriptorOf(family));
   call("createTable", table, [&](wire::HbaseClient& calls) { calls.createTable(table, told); });
 }
 
 void THBaseClient::enable(const std::string& table) {
+  wake();
   call("enableTable", table, [&](wire::HbaseClient& calls) { calls.enableTable(table); });
 }
 
 void THBaseClient::disable(const std::string& table) {
+  wake();
   call("disableTable", table, [&](wire::HbaseClient& calls) { calls.disableTable(table); });
 }
 
@@ -344,14 +404,28 @@ void THBaseClient::drop(const std::string& table) {
   call("deleteTable", table, [&](wire::HbaseClient& calls) { calls.deleteTable(table); });
 }
 
+/// What would keep the table from being made again is found before it is dropped, as far as it can be told.
 void THBaseClient::truncate(const std::string& table) {
   const std::vector<THBaseFamily> kept = families(table);
+  for (const THBaseFamily& family : kept)
+    if (!canBeMade(family))
+      throw THBaseFault(THBaseFaultKind::Other,
+                        "The table " + table +
+                            " was left as it is: this interface cannot make its column family " +
+                            textOf(family) + " again.");
   drop(table);
-  create(table, kept);
+  try {
+    create(table, kept);
+  } catch (const THBaseFault& fault) {
+    std::string text = std::string(fault.what()) + " The table " + table +
+                       " was dropped and could not be made again. Its column families were:";
+    for (const THBaseFamily& family : kept) text += " " + textOf(family);
+    throw THBaseFault(fault.kind(), text);
+  }
 }
 
 void THBaseClient::compact(const std::string& table, bool major) {
-  call("compact", table, [&](wire::HbaseClient& calls) {
+  repeatable("compact", table, [&](wire::HbaseClient& calls) {
     if (major)
       calls.majorCompact(table);
     else

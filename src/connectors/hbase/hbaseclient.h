@@ -64,7 +64,6 @@ class THBaseBatch {
   void clear();
   void beginRow(std::string_view key);
   void put(std::string_view column, std::string_view value);
-  void remove(std::string_view column);
   /// Takes the last row out again.
   void dropRow();
 
@@ -77,15 +76,15 @@ class THBaseBatch {
   friend class THBaseClient;
   struct TRows;
 
-  void add(std::string_view column, std::string_view value, bool isDelete);
-
   std::unique_ptr<TRows> rows_;
   std::size_t bytes_ = 0;
   std::size_t bytesBefore_ = 0;  ///< without the last row
 };
 
 /// A connection to HBase's first Thrift service. Belongs to one thread. Calls throw THBaseFault; when that
-/// says that the connection is lost, the next call opens a new one.
+/// says that the connection is lost, the next call opens a new one. A server closes connections that were
+/// idle for a minute; only rows that are written or read from a scanner then meet a lost connection, what
+/// else there is goes on over a new one.
 class THBaseClient {
  public:
   /// Connects and has the server answer once.
@@ -132,7 +131,8 @@ class THBaseClient {
   /// Disables it first when it is enabled.
   void drop(const std::string& table);
   /// Drops the table and makes it anew with its families. Region splits, grants and what the interface does
-  /// not tell of a family are lost.
+  /// not tell of a family are lost. A table with a family that cannot be made again is left as it is; should
+  /// the server refuse to make the table, the fault's text has its families.
   void truncate(const std::string& table);
   /// Asks for it; the server does it later.
   void compact(const std::string& table, bool major);
@@ -142,8 +142,14 @@ class THBaseClient {
 
   template <class TCall>
   auto call(const char* method, const std::string& table, TCall&& act);
+  template <class TCall>
+  auto repeatable(const char* method, const std::string& table, TCall&& act);
   TLink& connected();
   void prove();
+  void wake();
+  THBaseFault unreadable(const std::string& why);
+  THBaseFault unnamedFault(const std::string& method, const std::string& table);
+  bool isMissing(const std::string& table);
 
   TThriftOptions options_;
   std::unique_ptr<TLink> link_;

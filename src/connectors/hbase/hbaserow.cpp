@@ -14,7 +14,7 @@ constexpr std::size_t longestKey = 32767;
 
 void addMember(TObject& document, std::string_view name, const std::string& bytes) {
   TValue& value = document.addNull(name).value;
-  if (isValidText(bytes))
+  if (isPlainText(bytes))
     value.makeText(bytes);
   else
     value = TValue::binary(bytes);
@@ -84,7 +84,7 @@ TObject rowDocument(const THBaseRow& row) {
   document.reserve(row.cells.size() + 1);
   addMember(document, rowKeyName, row.key);
   for (const THBaseCell& cell : row.cells)
-    if (isValidText(cell.column))
+    if (isPlainText(cell.column))
       addMember(document, cell.column, cell.value);
     else
       addMember(document, std::string(binaryMarker) + toBase64(cell.column), cell.value);

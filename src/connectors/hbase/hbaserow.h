@@ -11,7 +11,8 @@ namespace hollowmere {
 inline constexpr const char* rowKeyName = "rowkey";
 
 /// A row as a document: "rowkey", then a member for each cell, named family:qualifier. Bytes that are no
-/// text become a binary; such a column's name "&base64;" + Base64.
+/// text, or one that another store, or addDocument(), would change (isPlainText()), become a binary; such a
+/// column's name "&base64;" + Base64.
 TObject rowDocument(const THBaseRow& row);
 
 /// Adds the row of a document to a batch: every member but "rowkey" is a column. In a cell stand of a text

@@ -34,8 +34,7 @@ void THBaseWriter::openTarget(const TDataTarget& target) {
   families_.clear();
   try {
     for (THBaseFamily& family : client_->families(table_)) families_.insert(std::move(family.name));
-    if (!client_->isEnabled(table_))
-      throw THBaseFault(THBaseFaultKind::Disabled, "The table " + table_ + " is disabled.");
+    if (!client_->isEnabled(table_)) throw THBaseFault(THBaseFaultKind::Disabled, disabledText());
   } catch (const THBaseFault& fault) {
     throw TStoreError(TStoreErrorKind::DataSource, fault.what());
   }
@@ -75,8 +74,10 @@ void THBaseWriter::addToBatch(TObject&& document, TOutcomeSink& sink) {
   if (alone || full) {
     filling_->rows.dropRow();
     send(sink);
-    settle(sink);
-    if (alone) return putAlone(document, sink);
+    if (alone) {
+      settle(sink);
+      return putAlone(document, sink);
+    }
     addDocument(document, filling_->rows);
   }
   filling_->documents.push_back(std::move(document));
@@ -147,7 +148,20 @@ void THBaseWriter::resolve(THBaseFault fault, TPending& batch, TOutcomeSink& sin
     }
   }
   if (!isHopeless(fault)) return takeApart(batch, sink);
-  for (const TObject& document : batch.documents) sink.refused(toJson(document), fault.what());
+  const std::string reason = reasonOf(fault);
+  for (const TObject& document : batch.documents) sink.refused(toJson(document), reason);
+}
+
+/// A server goes on trying to write into a table that was disabled for longer than an answer is waited for.
+std::string THBaseWriter::reasonOf(const THBaseFault& fault) {
+  if (fault.kind() == THBaseFaultKind::TimedOut && !client_->stopped()) {
+    try {
+      if (!client_->isEnabled(table_)) return disabledText();
+    } catch (const THBaseFault&) {
+      return fault.what();
+    }
+  }
+  return fault.what();
 }
 
 void THBaseWriter::takeApart(const TPending& batch, TOutcomeSink& sink) {
@@ -163,11 +177,13 @@ void THBaseWriter::takeApart(const TPending& batch, TOutcomeSink& sink) {
       put(single_);
       sink.stored(1);
     } catch (const THBaseFault& fault) {
-      if (isHopeless(fault)) hopeless = fault.what();
-      sink.refused(toJson(document), refusalText(fault, single_.bytes()));
+      if (isHopeless(fault)) hopeless = reasonOf(fault);
+      sink.refused(toJson(document), hopeless.empty() ? refusalText(fault, single_.bytes()) : hopeless);
     }
   }
 }
+
+std::string THBaseWriter::disabledText() const { return "The table " + table_ + " is disabled."; }
 
 std::string THBaseWriter::refusalText(const THBaseFault& fault, std::size_t bytes) const {
   if (fault.kind() != THBaseFaultKind::Lost || bytes <= batchBytes) return fault.what();

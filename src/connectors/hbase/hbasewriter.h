@@ -37,6 +37,8 @@ class THBaseWriter : public TTargetWriter {
   void settle(TOutcomeSink& sink);
   void resolve(THBaseFault fault, TPending& batch, TOutcomeSink& sink);
   void takeApart(const TPending& batch, TOutcomeSink& sink);
+  std::string reasonOf(const THBaseFault& fault);
+  [[nodiscard]] std::string disabledText() const;
   [[nodiscard]] std::string refusalText(const THBaseFault& fault, std::size_t bytes) const;
 
   std::unique_ptr<THBaseClient> client_;

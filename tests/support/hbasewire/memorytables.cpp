@@ -34,6 +34,8 @@ std::string familyOf(const std::string& column) { return column.substr(0, column
 }  // namespace
 
 TMemoryTables::TTable& TMemoryTables::find(const std::string& table) {
+  // The server's check of names throws what the service does not tell.
+  if (table.find(' ') != std::string::npos) failUnnamed();
   const auto found = tables_.find(table);
   if (found == tables_.end()) failIo("org.apache.hadoop.hbase.TableNotFoundException: " + table);
   return found->second;
