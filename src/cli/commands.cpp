@@ -68,6 +68,7 @@ std::string resultJson(const TRunControl& control) {
   for (const TMappingResult& mapping : control.results()) {
     TObject entry{{"source", mapping.source}, {"target", mapping.target}};
     addCounts(entry, mapping.counts);
+    entry.add("complete", mapping.complete);
     mappings.emplace_back(std::move(entry));
   }
   result.add("mappings", std::move(mappings));
@@ -78,7 +79,8 @@ void printTotals(std::ostream& out, const TRunControl& control) {
   const TRunProgress progress = control.progress();
   for (const TMappingResult& mapping : control.results())
     out << mapping.source << " -> " << mapping.target << ": " << mapping.counts.loaded << " loaded, "
-        << mapping.counts.discarded << " discarded, " << mapping.counts.skipped << " skipped\n";
+        << mapping.counts.discarded << " discarded, " << mapping.counts.skipped << " skipped"
+        << (mapping.complete ? "" : ", not read to the end: see the log") << '\n';
   out << progress.counts.processed() << " processed in " << static_cast<double>(progress.milliseconds) / 1000
       << " s; log " << control.project().logFile << ", discard file " << control.project().discFile << "\n";
 }

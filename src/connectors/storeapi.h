@@ -38,7 +38,8 @@ class TSourceReader {
   /// Opens the root cursor on a share; ends the one before. Throws TStoreError (DataSource).
   virtual void openRoot(const TDataSource& source, const TShare& share) = 0;
   /// The next row, its members named as the source names them; nothing at the end of the share. Throws
-  /// TStoreError: Read when only this row is lost, DataSource when the cursor cannot go on.
+  /// TStoreError: Read when only this row is lost and the next can be had, DataSource when the cursor cannot
+  /// go on; so does any other error.
   virtual std::optional<TObject> next() = 0;
   /// The text of the row that next() read last, whole, also when it threw Read. Made on demand.
   virtual std::string rowText() = 0;

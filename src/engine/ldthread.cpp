@@ -1,6 +1,7 @@
 #include "engine/ldthread.h"
 
 #include <exception>
+#include <stdexcept>
 #include <utility>
 
 #include "engine/ldtexts.h"
@@ -93,7 +94,7 @@ void TLdThread::runMappings() {
   bool more = true;
   while (more && !stop_.isSet()) {
     sourceCounts_ = {};
-    bool opened = false;
+    bool opened = false, complete = false;
     try {
       if (!loadMapConfig() || stop_.isSet()) return;
       opened = true;
@@ -103,13 +104,19 @@ void TLdThread::runMappings() {
       loadRows();
       settle();
       reportMapping();
+      complete = !stop_.isSet();
     } catch (const std::exception& error) {
-      log(std::string(ldtexts::generalError) + error.what());
+      // A stop ends waiting for a store by an error: no fault of the data source's.
+      const bool cancelled = stop_.isSet();
+      log((cancelled ? "" : ldtexts::generalError) + std::string(error.what()));
       // What the writer still holds has an outcome too.
       if (opened) settle();
+      if (cancelled) reportMapping();
       more = std::string_view(error.what()).find(ldtexts::noRowsMark) != std::string_view::npos;
+      // Not counted, "no rows" says that their number is not known.
+      complete = more && !cancelled && config_.counted;
     }
-    if (opened) addUp();
+    if (opened || complete) addUp(complete);
   }
 }
 
@@ -162,16 +169,14 @@ void TLdThread::loadRows() {
   while (!stop_.isSet() && loadRow()) continue;
 }
 
-/// Reads, assembles and writes one row; false at the end of the share.
+/// Reads, assembles and writes one row; false at the end of the share. Only an error that says so is the
+/// row's alone: after any other the reader might give the same row for ever.
 bool TLdThread::loadRow() {
   std::optional<TObject> document;
   try {
     document = getJsonObj();
   } catch (const TStoreError& error) {
     if (error.kind() != TStoreErrorKind::Read) throw;
-    reportReadError(error.what());
-    return true;
-  } catch (const std::exception& error) {
     reportReadError(error.what());
     return true;
   }
@@ -190,8 +195,15 @@ std::optional<TObject> TLdThread::getJsonObj() {
   return row;
 }
 
+/// A value that cannot be converted costs its row.
 void TLdThread::process(TObject& row) {
-  assembler_.process(plans_.front(), config_.mappings[mapping_].source, row);
+  try {
+    assembler_.process(plans_.front(), config_.mappings[mapping_].source, row);
+  } catch (const TStoreError&) {
+    throw;
+  } catch (const std::runtime_error& error) {
+    throw TStoreError(TStoreErrorKind::Read, error.what());
+  }
 }
 
 void TLdThread::insert(TObject&& document) {
@@ -228,13 +240,13 @@ void TLdThread::reportMapping() {
   writeCounts("", sourceCounts_);
 }
 
-void TLdThread::addUp() {
-  mainThread_.run([this] { updateTotals(); });
+void TLdThread::addUp(bool complete) {
+  mainThread_.run([this, complete] { updateTotals(complete); });
   forceFlush();
   totals_ += sourceCounts_;
 }
 
-void TLdThread::updateTotals() { host_.addTotals(mapping_, sourceCounts_); }
+void TLdThread::updateTotals(bool complete) { host_.addTotals(mapping_, sourceCounts_, complete); }
 
 /// "Loaded 3 documents." and its sisters; the prefix makes it "Total loaded 3 documents.".
 void TLdThread::writeCounts(const char* prefix, const TLoadCounts& counts) {

@@ -47,8 +47,9 @@ class TLoadHost {
   /// Whole lines, joined by line feeds, the last one without.
   virtual void log(const std::string& lines) = 0;
   virtual void disc(const std::string& lines) = 0;
-  /// The counts of one root mapping node of one thread, when the thread has done it.
-  virtual void addTotals(std::size_t mapping, const TLoadCounts& counts) = 0;
+  /// The counts of one root mapping node of one thread, when the thread is done with it; complete: neither an
+  /// error nor a stop ended it before its share was read.
+  virtual void addTotals(std::size_t mapping, const TLoadCounts& counts, bool complete) = 0;
 };
 
 /// Runs one share of a load project: reads its rows, assembles the documents, writes them, counts, and
@@ -92,8 +93,8 @@ class TLdThread : private TOutcomeSink {
   void insert(TObject&& document);
   void settle();
   void reportMapping();
-  void addUp();
-  void updateTotals();
+  void addUp(bool complete);
+  void updateTotals(bool complete);
   void reportReadError(const std::string& message);
   void writeCounts(const char* prefix, const TLoadCounts& counts);
   void writeEnd();

@@ -11,6 +11,7 @@ namespace hollowmere {
 TRunControl::TRunControl(TProject project, TRunServices services, bool batch)
     : project_(std::move(project)), services_(std::move(services)), batch_(batch), status_(runtexts::ready) {
   for (const TMapNode& root : project_.mapping) results_.push_back({root.source, root.target, {}});
+  completed_.resize(results_.size());
 }
 
 TRunControl::~TRunControl() { endThreads(); }
@@ -298,8 +299,10 @@ void TRunControl::writeLine(TAppendFile& file, const std::string& line) {
   flagThreads();
 }
 
-void TRunControl::addTotals(std::size_t mapping, const TLoadCounts& counts) {
-  results_[mapping].counts += counts;
+void TRunControl::addTotals(std::size_t mapping, const TLoadCounts& counts, bool complete) {
+  TMappingResult& result = results_[mapping];
+  result.counts += counts;
+  result.complete = complete && ++completed_[mapping] == project_.degree;
 }
 
 std::string closeRefusal(const TRunControl* run) {

@@ -69,6 +69,7 @@ struct TMappingResult {
   std::string source;
   std::string target;
   TLoadCounts counts;
+  bool complete = false;  ///< every thread has read its share of the source to the end
 };
 
 /// Starts, supervises and ends the load of one project. Used from the main thread only; the owner calls
@@ -106,7 +107,7 @@ class TRunControl : private TLoadHost {
  private:
   void log(const std::string& lines) override;
   void disc(const std::string& lines) override;
-  void addTotals(std::size_t mapping, const TLoadCounts& counts) override;
+  void addTotals(std::size_t mapping, const TLoadCounts& counts, bool complete) override;
 
   bool makeChecks();
   bool openFiles();
@@ -139,6 +140,7 @@ class TRunControl : private TLoadHost {
   std::vector<std::unique_ptr<TLdThread>> loads_;
   std::vector<std::jthread> threads_;  // after loads_: joined before these go
   std::vector<TMappingResult> results_;
+  std::vector<std::int64_t> completed_;  ///< threads that are done with each
   std::int64_t maximum_ = 0;
   std::vector<std::int64_t> shares_;  ///< of maximum_, by thread
   std::int64_t startTicks_ = 0;

@@ -3,6 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <new>
 #include <thread>
 
 #include "connectors/storeregistry.h"
@@ -41,6 +45,14 @@ class TBench : public TLoadHost {
     thread->execute();
   }
 
+  /// As run() on a thread of its own, with a stop as soon as it is due.
+  void runUntil(const std::function<bool()>& due) {
+    thread.emplace(config, stores, static_cast<TLoadHost&>(*this), mainThread, clock, dates);
+    std::jthread body([&] { thread->execute(); });
+    while (!due()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    thread->stop();
+  }
+
   /// The log without times and label.
   [[nodiscard]] std::string messages() const {
     std::string text;
@@ -59,14 +71,16 @@ class TBench : public TLoadHost {
   void log(const std::string& lines) override {
     logs += lines + '\n';
     logLines.push_back(lineCount(lines));
+    ++handedOver;
   }
   void disc(const std::string& lines) override {
     discs += lines + '\n';
     discLines.push_back(lineCount(lines));
   }
-  void addTotals(std::size_t mapping, const TLoadCounts& counts) override {
+  void addTotals(std::size_t mapping, const TLoadCounts& counts, bool complete) override {
     totals.resize(std::max(totals.size(), mapping + 1));
     totals[mapping] += counts;
+    if (complete) completed.push_back(mapping);
   }
 
   std::shared_ptr<TToyServer> server = std::make_shared<TToyServer>();
@@ -79,8 +93,10 @@ class TBench : public TLoadHost {
   std::string logs;
   std::string discs;
   std::vector<std::size_t> logLines;
+  std::atomic<int> handedOver = 0;  ///< times, of the log
   std::vector<std::size_t> discLines;
   std::vector<TLoadCounts> totals;
+  std::vector<std::size_t> completed;
 };
 
 TEST(LdThread, WithoutALabelOnlyDiscardsAreWritten) {
@@ -154,19 +170,27 @@ TEST(LdThread, AnEmptySourceIsPassedAndAnyOtherFaultEndsTheLoop) {
       bench.says("General error occurred: Data source rows returns no rows/documents. Skipping...\n"
                  "Loading second -> out-second\n"));
   EXPECT_EQ(bench.thread->counts(), (TLoadCounts{4, 0, 0}));
+  EXPECT_EQ(bench.completed, (std::vector<std::size_t>{0, 1, 2}));
 
-  TBench other;
-  other.map("second");
-  other.server->fillNumbered("rows", 5);
-  other.server->fillNumbered("second", 2);
-  other.config.bulkSize = 100;
-  other.server->faults.cursorBreaksAt = 4;
-  other.run();
-  EXPECT_TRUE(other.says("General error occurred: The toy cursor broke.\nLoad operation finished at "));
-  EXPECT_FALSE(other.says("Loading second"));
-  // What the writer held when the cursor broke is stored and counted.
-  EXPECT_EQ(other.totals, (std::vector<TLoadCounts>{{3, 0, 0}}));
-  EXPECT_TRUE(other.says("Total loaded 3 documents.\n"));
+  // An error that is no row's must not be taken for one: the reader could give it for ever.
+  for (const auto& [fault, message] : {std::pair(&TToyFaults::cursorBreaksAt, "The toy cursor broke."),
+                                       std::pair(&TToyFaults::memoryEndsAt, std::bad_alloc().what())}) {
+    SCOPED_TRACE(message);
+    TBench other;
+    other.map("second");
+    other.server->fillNumbered("rows", 5);
+    other.server->fillNumbered("second", 2);
+    other.config.bulkSize = 100;
+    other.server->faults.*fault = 4;
+    other.run();
+    EXPECT_TRUE(
+        other.says("General error occurred: " + std::string(message) + "\nLoad operation finished at "));
+    EXPECT_FALSE(other.says("Loading second"));
+    // What the writer held when the cursor broke is stored and counted.
+    EXPECT_EQ(other.totals, (std::vector<TLoadCounts>{{3, 0, 0}}));
+    EXPECT_TRUE(other.says("Total loaded 3 documents.\n"));
+    EXPECT_TRUE(other.completed.empty());
+  }
 }
 
 TEST(LdThread, NamesWhatIsMissing) {
@@ -216,12 +240,7 @@ TEST(LdThread, AStoppedThreadStillTellsItsTotals) {
   TBench bench;
   bench.server->fillNumbered("rows", 1000);
   bench.server->faults.pauseMilliseconds = 1;
-  bench.thread.emplace(bench.config, bench.stores, static_cast<TLoadHost&>(bench), bench.mainThread,
-                       bench.clock, bench.dates);
-  std::jthread body([&] { bench.thread->execute(); });
-  while (bench.thread->counts().loaded < 5) std::this_thread::yield();
-  bench.thread->stop();
-  body.join();
+  bench.runUntil([&] { return bench.thread->counts().loaded >= 5; });
   const std::string loaded = std::to_string(bench.thread->counts().loaded);
   EXPECT_LT(bench.thread->counts().loaded, 1000);
   EXPECT_TRUE(bench.says("Cancelled loading rows -> out-rows\nLoaded " + loaded + " documents.\n"));
@@ -230,6 +249,19 @@ TEST(LdThread, AStoppedThreadStillTellsItsTotals) {
   EXPECT_TRUE(
       bench.messages().ends_with("Closing database connections...\n"
                                  "Finished closing database connections...\nStopped.\n"));
+  EXPECT_TRUE(bench.completed.empty());
+}
+
+TEST(LdThread, AStopWhileAStoreIsAwaitedIsNoFault) {
+  TBench bench;
+  bench.server->fillNumbered("rows", 10);
+  bench.server->faults.neverAnswers = true;
+  bench.runUntil([&] { return bench.handedOver == 2; });  // with "Loading rows", before the first row
+  EXPECT_FALSE(bench.says("General error occurred: ")) << bench.messages();
+  EXPECT_TRUE(
+      bench.says("The toy was told to stop.\nCancelled loading rows -> out-rows\nLoaded 0 documents.\n"
+                 "Discarded 0 documents.\nSkipped 0 documents.\nProcessed 0 documents.\n"
+                 "Load operation cancelled at "));
 }
 
 }  // namespace

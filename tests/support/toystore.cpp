@@ -1,6 +1,7 @@
 #include "support/toystore.h"
 
 #include <chrono>
+#include <new>
 #include <thread>
 
 #include "connectors/jsonquery.h"
@@ -47,8 +48,10 @@ class TToyReader : public TSourceReader {
   std::optional<TObject> next() override {
     const TToyFaults& faults = server_->faults;
     while (faults.neverAnswers && !(stop_ && stop_->isSet())) pause(2);
+    if (faults.neverAnswers) throw TStoreError(TStoreErrorKind::DataSource, "The toy was told to stop.");
     if (faults.pauseMilliseconds > 0) pause(faults.pauseMilliseconds);
     if (at_ >= end_) return std::nullopt;
+    if (read_ + 1 == faults.memoryEndsAt) throw std::bad_alloc();
     row_ = rows_[at_++];
     ++read_;
     if (read_ == faults.cursorBreaksAt)

@@ -19,11 +19,12 @@ struct TToyFaults {
   std::string password;              ///< the connection record must hold it
   std::set<int> unreadableRows;
   int cursorBreaksAt = 0;          ///< row that ends the reading; 0: none
+  int memoryEndsAt = 0;            ///< row that stays out of reach by an error that is no store's; 0: none
   std::set<int> refusedDocuments;  ///< refused with code 121
   bool refuseAll = false;
   bool countFails = false;
   bool lateOutcomes = false;  ///< a batch's outcomes are told with the next batch
-  bool neverAnswers = false;  ///< next() waits until the stop flag is set
+  bool neverAnswers = false;  ///< next() waits until the stop flag is set, and fails then
   int pauseMilliseconds = 0;  ///< before each row
   bool loseTargetOnOpen = false;
 };

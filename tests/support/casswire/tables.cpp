@@ -45,6 +45,12 @@ int compare(const std::string& type, const std::string& a, const std::string& b)
   return left < right ? -1 : left > right ? 1 : 0;
 }
 
+/// A server keeps nothing of a collection without elements, unless it is frozen. value: its count alone.
+bool isEmptyCollection(const std::string& type, const std::string& value) {
+  const bool collection = type.starts_with("list<") || type.starts_with("set<") || type.starts_with("map<");
+  return collection && value.find_first_not_of('\0') == std::string::npos;
+}
+
 std::string keyBytes(const TTable& table, const TRow& row, const char* most) {
   std::string bytes;
   for (std::size_t i = 0; i < table.columns.size(); ++i) {
@@ -81,7 +87,7 @@ void TTable::put(const TRow& row) {
   TRow& kept = rows[keyBytes(*this, row, "clustering")];
   kept.resize(columns.size());
   for (std::size_t i = 0; i < row.size(); ++i)
-    if (row[i]) kept[i] = row[i];
+    if (row[i]) kept[i] = isEmptyCollection(columns[i].type, *row[i]) ? TCell() : row[i];
 }
 
 void TTable::addTo(TRow row) {
