@@ -190,6 +190,40 @@ TEST(ThriftLink, RefusedUnknownAndSilent) {
   EXPECT_EQ(kind, TThriftFaultKind::TimedOut);
 }
 
+TEST(ThriftLink, AServerThatTakesNoConnectionIsAskedOnce) {
+  // A listener with more guests than seats answers no further one.
+  const int listener = socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t length = sizeof address;
+  auto* plain = reinterpret_cast<sockaddr*>(&address);
+  ASSERT_EQ(bind(listener, plain, length), 0);
+  ASSERT_EQ(listen(listener, 0), 0);
+  getsockname(listener, plain, &length);
+  std::vector<int> guests;
+  for (int i = 0; i < 4; ++i) {
+    guests.push_back(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0));
+    connect(guests.back(), plain, length);
+  }
+  TStoreOptions options;
+  options.connection =
+      TObject{{"host", "127.0.0.1"}, {"port", static_cast<int>(ntohs(address.sin_port))}, {"timeout", 1}};
+  const auto begin = TTime::now();
+  try {
+    TCassandraClient client(options, "No connection.");
+    ADD_FAILURE() << "it connected";
+  } catch (const TStoreError& error) {
+    EXPECT_NE(
+        error.detail().find(" (took no connection within 1 second; Cassandra 4 and later have no Thrift"),
+        std::string::npos)
+        << error.detail();
+  }
+  EXPECT_LT(TTime::now() - begin, milliseconds(1800));
+  for (const int guest : guests) ::close(guest);
+  ::close(listener);
+}
+
 TEST(ThriftLink, AStopEndsWaiting) {
   TScriptedPeer silent([](int connection) {
     hear(connection);

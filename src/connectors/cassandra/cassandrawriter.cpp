@@ -197,6 +197,8 @@ void TCassandraWriter::claimKey(const TInsertPlan& plan, TRow& row, TOutcomeSink
   if (plan.keys.empty()) return;
   for (const std::size_t key : plan.keys)
     row.key = row.key * 31 + std::hash<std::string_view>()(row.values[key]);
+  if (keys_.contains(row.key)) receiveUntil(0, sink);
+  // It is one that waits to be sent.
   if (keys_.contains(row.key)) flush(sink);
   keys_.insert(row.key);
 }

@@ -130,9 +130,7 @@ class TClassReader {
 
 }  // namespace
 
-TCassType TCassType::fromClass(std::string_view classText) {
-  return TClassReader(classText).type();
-}
+TCassType TCassType::fromClass(std::string_view classText) { return TClassReader(classText).type(); }
 
 std::string TCassType::cql() const {
   if (base == TBase::User) return frozen ? "frozen<" + name + ">" : name;
