@@ -9,6 +9,8 @@ TCassSource::TCassSource(const TDataSource& source, TStoreErrorKind kind)
     throw TStoreError(kind, "Data source " + source.name + " names no Cassandra keyspace and query.");
   if (const std::string fault = selectFault(query); !fault.empty())
     throw TStoreError(kind, "Data source " + source.name + ": " + fault);
+  // A server takes no comment that ends with the statement.
+  query = withoutComments(query);
 }
 
 void TCassSource::useKeyspace(TCassandraClient& client) {

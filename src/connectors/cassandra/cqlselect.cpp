@@ -32,6 +32,10 @@ bool isRowFunction(const std::string& name) {
          name.starts_with("blobas") || name.ends_with("asblob");
 }
 
+constexpr std::string_view openings = "([{", closings = ")]}";
+bool isOpening(char c) { return openings.find(c) != std::string_view::npos; }
+bool isClosing(char c) { return closings.find(c) != std::string_view::npos; }
+
 /// Finds what a server would say less clearly, or what it would do although nobody reads it.
 class TFaults {
  public:
@@ -48,9 +52,7 @@ class TFaults {
       if (std::string found = look(tokens_[at_]); !found.empty()) return found;
     if (!open_.empty())
       return fault("the bracket \"" + std::string(open_.back()->text) + "\" is not closed", *open_.back());
-    const bool hasFrom =
-        std::any_of(tokens_.begin(), tokens_.end(), [](const TCqlToken& t) { return t.isWord("from"); });
-    return hasFrom ? "" : "Invalid CQL query: it names no table behind FROM";
+    return hasFrom_ ? "" : "Invalid CQL query: it names no table behind FROM";
   }
 
  private:
@@ -64,16 +66,14 @@ class TFaults {
 
   std::string look(const TCqlToken& token) {
     using TKind = TCqlToken::TKind;
+    hasFrom_ = hasFrom_ || (open_.empty() && token.isWord("from"));
     if (isTorn(token)) return fault("the text in quotes does not end", token);
     if (token.kind == TKind::Parameter) return lookAtParameter(token);
     if (token.kind != TKind::Symbol) return {};
-    switch (token.text[0]) {
-      case '(':
-      case '[':
-      case '{': open_.push_back(&token); return {};
-      case ')':
-      case ']':
-      case '}': return close(token);
+    const char c = token.text[0];
+    if (isOpening(c)) open_.push_back(&token);
+    if (isClosing(c)) return close(token);
+    switch (c) {
       case '?': return fault("a parameter has a name, as in :name", token);
       case ':': return isMapColon() ? "" : fault("no name of a parameter stands behind the colon", token);
       case ';': return lookBehind();
@@ -101,8 +101,7 @@ class TFaults {
   }
 
   std::string close(const TCqlToken& token) {
-    constexpr std::string_view opening = "([{", closing = ")]}";
-    const char wanted = opening[closing.find(token.text[0])];
+    const char wanted = openings[closings.find(token.text[0])];
     if (open_.empty() || !open_.back()->isSymbol(wanted))
       return fault("the bracket \"" + std::string(token.text) + "\" closes none", token);
     open_.pop_back();
@@ -129,6 +128,7 @@ class TFaults {
   std::vector<TCqlToken> tokens_;
   std::size_t at_ = 0;
   std::vector<const TCqlToken*> open_;
+  bool hasFrom_ = false;
 };
 
 }  // namespace
@@ -151,10 +151,17 @@ TCqlSelect::TCqlSelect(std::string_view cql) : text_(withoutComments(cql)), toke
   where = std::min(clause(from, "where", {}), tail);
 }
 
-/// The first place of those words.
+/// The first place of those words outside of brackets.
 TCqlSelect::TAt TCqlSelect::clause(TAt begin, std::string_view first, std::string_view second) const {
-  for (TAt at = begin; at < end; ++at)
-    if (at->isWord(first) && (second.empty() || (at + 1 < end && (at + 1)->isWord(second)))) return at;
+  int depth = 0;
+  for (TAt at = begin; at < end; ++at) {
+    if (at->kind == TCqlToken::TKind::Symbol) {
+      depth += isOpening(at->text[0]) ? 1 : isClosing(at->text[0]) ? -1 : 0;
+      continue;
+    }
+    const bool both = second.empty() || (at + 1 < end && (at + 1)->isWord(second));
+    if (depth == 0 && both && at->isWord(first)) return at;
+  }
   return end;
 }
 
