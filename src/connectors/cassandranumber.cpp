@@ -1,11 +1,16 @@
 #include "connectors/cassandranumber.h"
 
 #include <bit>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 namespace hollowmere {
 
 namespace {
+
+/// Of 100,000 digits, beyond which no number is written, either.
+constexpr std::size_t mostIntegerBytes = 41'525;
 
 bool isNegative(std::string_view bytes) { return !bytes.empty() && (bytes.front() & 0x80) != 0; }
 
@@ -32,10 +37,14 @@ std::vector<std::uint32_t> magnitude(std::string_view bytes) {
     }
     for (; carry > 0; carry /= base) limbs.push_back(static_cast<std::uint32_t>(carry % base));
   };
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    multiplyAndAdd(256, negative ? 255U - byte : byte);
-  }
+  const auto digit = [&](char c) {
+    return static_cast<std::uint64_t>(static_cast<unsigned char>(negative ? ~c : c));
+  };
+  std::size_t at = 0;
+  for (; at < bytes.size() % 4; ++at) multiplyAndAdd(256, digit(bytes[at]));
+  for (; at < bytes.size(); at += 4)
+    multiplyAndAdd(std::uint64_t{1} << 32, digit(bytes[at]) << 24 | digit(bytes[at + 1]) << 16 |
+                                               digit(bytes[at + 2]) << 8 | digit(bytes[at + 3]));
   if (negative) multiplyAndAdd(1, 1);
   return limbs;
 }
@@ -50,6 +59,9 @@ std::int64_t bigEndian(std::string_view bytes) {
 
 std::string varintText(std::string_view bytes) {
   if (bytes.size() <= sizeof(std::int64_t)) return std::to_string(bigEndian(bytes));
+  if (bytes.size() > mostIntegerBytes)
+    throw std::runtime_error("cannot read a Cassandra integer of " + std::to_string(bytes.size()) +
+                             " bytes: it has more than 100,000 digits");
   std::string text = isNegative(bytes) ? "-" : "";
   const std::vector<std::uint32_t> limbs = magnitude(bytes);
   if (limbs.empty()) return "0";

@@ -10,7 +10,8 @@ namespace hollowmere {
 /// A big-endian two's-complement integer of up to 8 bytes.
 std::int64_t bigEndian(std::string_view bytes);
 
-/// The digits of a big-endian two's-complement integer of any length; "0" for no bytes.
+/// The digits of a big-endian two's-complement integer; "0" for no bytes. Throws std::runtime_error for one
+/// of more than 100,000 digits.
 std::string varintText(std::string_view bytes);
 
 /// A number of decimal digits with its point scale places from the right. Beyond 100 places or appended

@@ -309,6 +309,105 @@ TEST_P(CassandraServer, LargeTablesAreReadOnceByAllThreads) {
   EXPECT_EQ(read("wide", "select * from wide where p in (3, 4) limit 50").size(), 50U);
 }
 
+/// Whatever a query is, read in pieces it gives what it gives at once, in its order; in shares each row once.
+TEST_P(CassandraServer, PiecesGiveWhatTheWholeGives) {
+  cql("create table parts (p int, q text, a int, b text, c int, v text, n int, st int static, "
+      "primary key ((p, q), a, b, c)) with clustering order by (a desc, b asc, c desc)");
+  cql("create index by_v on parts (v)");
+  std::vector<TObject> documents;
+  for (int i = 0; i < 120; ++i)
+    documents.push_back(TObject{{"p", i % 3},
+                                {"q", i % 2 == 0 ? "even" : "odd"},
+                                {"a", i / 30},
+                                {"b", std::to_string(i % 5)},
+                                {"c", i},
+                                {"v", i % 4 == 0 ? "fourth" : "other"},
+                                {"n", i}});
+  write("parts", documents, 100);
+  ASSERT_EQ(sink.storedCount, 120);
+  cql("insert into parts (p, q, st) values (9, 'static', 1)");
+  struct TQuery {
+    const char* cql;
+    std::size_t rows;
+    bool pages = true;
+    bool modern = false;
+  };
+  const std::vector<TQuery> queries = {
+      {"select * from parts", 121},
+      {"select n, st from s.parts -- and no key", 121},
+      {"select n as c, c as n from parts", 121},
+      {"select n, token(p, q), now() as t from parts", 121},
+      {"select n from parts where v = 'fourth'", 30},
+      {"select n from parts where p = 1 and q = 'odd'", 20},
+      {"select n from parts where q = 'even' and p = 0 and v = 'fourth'", 10},
+      {"select n from parts where p = 1 and q = 'odd' limit 11", 11},
+      {"select n from parts where n >= 60 allow filtering", 60, true, true},
+      {"select n from parts where p = 1 and q = 'odd' and a >= 2", 10, false},
+      {"select n from parts where p = 1 and q in ('even', 'odd')", 40, false},
+      {"select n from parts where token(p, q) > -9223372036854775807", 121, false},
+      {"select n from parts where p = 1 and q = 'odd' order by a asc, b desc, c asc", 20, false},
+      {"select distinct p, q from parts", 7, false},
+      {"select count(*) from parts", 1, false},
+      {"select json n from parts", 121, false, true},
+      {"select max(n) from parts", 1, false, true},
+      {"select p, max(n) from parts group by p, q", 7, false, true},
+      {"select n from parts per partition limit 2", 13, false, true}};
+  for (const TQuery& query : queries) {
+    if (query.modern && !modern) continue;
+    SCOPED_TRACE(query.cql);
+    // What differs from call to call is only that it is there.
+    const bool changes = std::string(query.cql).find("now()") != std::string::npos;
+    const auto rowsBy = [&](std::int64_t fetch, const TShare& share) {
+      std::vector<std::string> remarks, rows;
+      TStoreOptions made = options();
+      made.fetchLimit = fetch;
+      made.remark = [&](const std::string& line) { remarks.push_back(line); };
+      const auto reader = connector->connectSource(made);
+      reader->openRoot(source("parts", query.cql), share);
+      EXPECT_EQ(remarks.empty(), query.pages) << (remarks.empty() ? "" : remarks[0]);
+      while (auto row = reader->next()) {
+        if (changes) row->set("t", nullptr);
+        rows.push_back(toJson(*row));
+      }
+      return rows;
+    };
+    const std::vector<std::string> whole = rowsBy(100000, {});
+    EXPECT_EQ(whole.size(), query.rows);
+    const std::int64_t count = connector->count(options(), source("parts", query.cql));
+    EXPECT_EQ(count, std::string(query.cql).find("count(*)") == std::string::npos
+                         ? static_cast<std::int64_t>(query.rows)
+                         : 1);
+    for (const std::int64_t fetch : {1, 4, 10}) {
+      const std::vector<std::string> rows = rowsBy(fetch, {});
+      ASSERT_EQ(rows.size(), whole.size());
+      for (std::size_t i = 0; i < rows.size(); ++i) EXPECT_EQ(rows[i], whole[i]) << i << " by " << fetch;
+    }
+    if (count < 3) continue;
+    std::multiset<std::string> shares;
+    for (int number = 1; number <= 3; ++number) {
+      const std::int64_t each = count / 3, start = (number - 1) * each;
+      for (std::string& row : rowsBy(4, {number, 3, start, number < 3 ? each : count - start}))
+        shares.insert(std::move(row));
+    }
+    EXPECT_TRUE(shares == (std::multiset<std::string>{whole.begin(), whole.end()}));
+  }
+}
+
+TEST_P(CassandraServer, NothingIsAllowedThatTheUserDidNotAllow) {
+  cql("create table plain (p int, a int, v text, primary key (p, a))");
+  write("plain", {TObject{{"p", 1}, {"a", 1}, {"v", "x"}}});
+  const TDataSource filtering = source("plain", "select * from plain where v = 'x'");
+  for (const bool counting : {false, true})
+    EXPECT_NE(faultOf(TStoreErrorKind::DataSource,
+                      [&] {
+                        if (counting)
+                          connector->count(options(), filtering);
+                        else
+                          connector->connectSource(options())->openRoot(filtering, {});
+                      }),
+              "");
+}
+
 TEST_P(CassandraServer, NestedQueriesAndTheirParameters) {
   cql("create table orders (customer text, number int, what text, primary key (customer, number))");
   write("orders", {TObject{{"customer", "O'Hara"}, {"number", 1}, {"what", "tea"}},
@@ -329,7 +428,8 @@ TEST_P(CassandraServer, NestedQueriesAndTheirParameters) {
 }
 
 TEST_P(CassandraServer, TheSchemaIsRead) {
-  cql("create table described (b int, a text, c timeuuid, d map<text, frozen<list<int>>>, \"E x\" inet, "
+  cql("create table described (b int, a text, c timeuuid, d map<text, frozen<list<int>>>, \"E x\" inet, f "
+      "set<timeuuid>, "
       "primary key ((b, a), c)) with clustering order by (c desc)");
   cql("create index by_e on described (\"E x\")");
   TCassSchema schema(client);
@@ -340,8 +440,11 @@ TEST_P(CassandraServer, TheSchemaIsRead) {
   for (const TCassColumn& c : schema.columns("s", "described"))
     columns += c.name + ":" + c.type + ":" + std::to_string(static_cast<int>(c.role)) +
                (c.descending ? "desc " : " ");
-  EXPECT_EQ(columns, modern ? "b:int:0 a:text:0 c:timeuuid:1desc E x:inet:3 d:map<text, frozen<list<int>>>:3 "
-                            : "b:int:0 a:text:0 c:timeuuid:1desc E x:inet:3 d:map<text,list<int>>:3 ");
+  EXPECT_EQ(
+      columns,
+      modern
+          ? "b:int:0 a:text:0 c:timeuuid:1desc E x:inet:3 d:map<text, frozen<list<int>>>:3 f:set<timeuuid>:3 "
+          : "b:int:0 a:text:0 c:timeuuid:1desc E x:inet:3 d:map<text,list<int>>:3 f:set<timeuuid>:3 ");
   const std::vector<TCassIndex> indexes = schema.indexes("s", "described");
   ASSERT_EQ(indexes.size(), 1U);
   EXPECT_EQ(indexes[0].name, "by_e");
@@ -361,8 +464,12 @@ TEST_P(CassandraServer, CompactTablesAndOddNames) {
   EXPECT_EQ(sink.storedCount, 3);
   EXPECT_EQ(read("compact").size(), 2U);
   EXPECT_EQ(toJson(read("odd")[0]), R"({"From":1,"a \"b\"":"q","token":3})");
-  // A table of the older kind may hold bytes that are no text.
   EXPECT_EQ(connector->count(options(), source("compact", "select * from compact limit 1")), 1);
+  cql("create table dense (p int, a int, b text, primary key (p, a, b)) with compact storage");
+  for (int i = 0; i < 20; ++i)
+    write("dense", {TObject{{"p", i % 2}, {"a", i / 4}, {"b", std::to_string(i)}}});
+  EXPECT_EQ(read("dense").size(), 20U);
+  EXPECT_EQ(TCassSchema(client).columns("s", "dense").size(), 3U);
 }
 
 TEST_P(CassandraServer, StatementsThatAreLostAndRowsThatAreTooLarge) {

@@ -413,7 +413,6 @@ TEST_P(CassandraFaults, SourcesThatAreNone) {
   EXPECT_EQ(fault("shop", "select * from nothing"),
             GetParam()[0] == '2' ? "unconfigured columnfamily nothing" : "unconfigured table nothing");
   EXPECT_EQ(fault("shop", "select colour from out"), "Undefined column name colour");
-  EXPECT_EQ(fault("shop", "selec"), "line 1:0 no viable alternative at input 'selec'");
   EXPECT_EQ(fault("shop", "select * from out"),
             "Cassandra data source CQL query does not return rows: select * from out");
   EXPECT_EQ(fault("", ""), "Data source s names no Cassandra keyspace and query.");

@@ -9,6 +9,7 @@
 
 #include "connectors/cassandra/cassbind.h"
 #include "connectors/cassandra/cassvalue.h"
+#include "connectors/cassandra/rootplan.h"
 #include "connectors/datetimetext.h"
 #include "connectors/hbase/hbasefiltertext.h"
 #include "connectors/hbase/hbasequery.h"
@@ -185,6 +186,43 @@ void cassbind(std::string_view bytes) {
   }
 }
 
+/// A statement is refused, or taken apart so that its pieces are statements, too.
+void cql(std::string_view bytes) {
+  std::size_t end = 0;
+  for (const TCqlToken& token : cqlTokens(bytes)) {
+    REQUIRE(token.begin >= end && !token.text.empty());
+    end = token.begin + token.text.size();
+  }
+  REQUIRE(end <= bytes.size());
+  const TMarkedCql marked = markParameters(bytes);
+  if (!selectFault(bytes).empty()) return;
+  const std::string plain = withoutComments(bytes);
+  REQUIRE(withoutComments(plain) == plain);
+  const TCqlSelect select(bytes);
+  REQUIRE(selectFault(select.withLimit(5)).empty());
+  REQUIRE(selectFault(select.countCql()).empty());
+  const std::vector<TCassColumn> columns = {{"p", "int", TKeyRole::Partition, 0, false},
+                                            {"a", "int", TKeyRole::Clustering, 0, true}};
+  std::string why;
+  if (const auto plan = planRoot(select, columns, false, why)) {
+    // What was appended must not end in something of the user's.
+    REQUIRE(plan->firstCql(false, false, 5).find(" limit 5") != std::string::npos);
+    REQUIRE(cqlTokens(plan->select).size() >= 4);
+  } else {
+    REQUIRE(!why.empty());
+  }
+}
+
+void cassValueOf(std::string_view bytes) {
+  const std::size_t bar = std::min(bytes.find('|'), bytes.size());
+  const TCassType type = TCassType::fromClass(bytes.substr(0, bar));
+  (void)type.cql();
+  for (const TCollectionLengths lengths : {TCollectionLengths::Short16, TCollectionLengths::Int32}) try {
+      toJson(cassValue(bytes.substr(std::min(bar + 1, bytes.size())), type, lengths, dates()));
+    } catch (const std::runtime_error&) {
+    }
+}
+
 void xml(std::string_view bytes) { xmlToJson(bytes); }
 
 void bson(std::string_view bytes) {
@@ -258,6 +296,12 @@ constexpr std::array table{
     TTarget{
         "cassbind", cassbind,
         R"(TupleType(Int32Type,UUIDType,DurationType,TimeType,DecimalType,InetAddressType,TimestampType,MapType(UTF8Type,ListType(IntegerType)))|[-5,"550e8400-e29b-41d4-a716-446655440000","1y2mo3d4h5m6s7ms","13:14:15.016","-12.50e3","::1","2026-01-02T03:04:05Z",{"a":["-170141183460469231731687303715884105728",1]}])"sv},
+    TTarget{"cql", cql,
+            "select a, writetime(v) as w from \"K\".t where m = {'k' : :p} and b in (1, 'x''y') -- c\n"
+            "per partition limit 3 limit 4 allow filtering;"sv},
+    TTarget{"cassvalue", cassValueOf,
+            "MapType(UTF8Type,FrozenType(TupleType(IntegerType,UserType(k,61,78:DecimalType))))|"
+            "\0\0\0\1\0\0\0\1a\0\0\0\6\0\0\0\2\1\0"sv},
     TTarget{"xml", xml, "<a x='1'><b>t</b><b/><![CDATA[c]]>&amp;</a>"sv},
     TTarget{"bson", bson, "\x16\0\0\0\2k\0\3\0\0\0ab\0\4l\0\5\0\0\0\0\0"sv},
     TTarget{"project", project, projectSeed},

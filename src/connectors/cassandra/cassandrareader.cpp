@@ -4,7 +4,6 @@
 
 #include "connectors/cassandra/cassbind.h"
 #include "connectors/cassandra/cassvalue.h"
-#include "connectors/cassandra/cqltext.h"
 #include "json/json.h"
 
 namespace hollowmere {
@@ -18,33 +17,49 @@ constexpr char noRows[] = "Cassandra data source CQL query does not return rows:
   throw TStoreError(TStoreErrorKind::DataSource, text);
 }
 
-/// The parent's field of a parameter; a name with dots is a path into nested objects.
+const TValue nullValue;
+
+/// The parent's field of a parameter; a name with dots is a path into nested objects, where all of a null is
+/// null.
 const TValue* findByPath(const TObject& object, std::string_view name) {
   if (const TMember* member = object.findIgnoringCase(name)) return &member->value;
   const std::size_t dot = name.find('.');
   if (dot == std::string_view::npos) return nullptr;
   const TMember* outer = object.findIgnoringCase(name.substr(0, dot));
+  if (outer && outer->value.isNull()) return &nullValue;
   if (!outer || !outer->value.is(TKind::Object)) return nullptr;
   return findByPath(outer->value.asObject(), name.substr(dot + 1));
 }
 
-}  // namespace
-
-TCassSource::TCassSource(const TDataSource& source, TStoreErrorKind kind)
-    : keyspace(trimmedMember(source.definition, "keyspace")),
-      columnfamily(trimmedMember(source.definition, "columnfamily")),
-      query(trimmedMember(source.definition, "query")) {
-  if (keyspace.empty() || query.empty())
-    throw TStoreError(kind, "Data source " + source.name + " names no Cassandra keyspace and query.");
+/// Nobody would give it a value.
+void refuseParameters(const TDataSource& source, const std::string& query) {
+  for (const TCqlToken& token : cqlTokens(query))
+    if (token.kind == TCqlToken::TKind::Parameter && token.text[0] == ':')
+      failSource(
+          "Data source " + source.name +
+          " is read for itself, so there is no parent row for the query parameter :" + token.parameter());
 }
 
+}  // namespace
+
 void TCassRows::describe(const TCassResult& result) {
-  if (std::equal(columns_.begin(), columns_.end(), result.columns.begin(), result.columns.end())) return;
-  columns_.clear();
-  for (const std::string& name : result.columns) {
+  const auto classOf = [&](const std::string& name) -> std::string_view {
     const auto type = result.types.find(name);
-    columns_.push_back({name, TCassType::fromClass(type == result.types.end() ? "UTF8Type" : type->second)});
-  }
+    return type == result.types.end() ? "UTF8Type" : std::string_view(type->second);
+  };
+  const bool same = std::equal(columns_.begin(), columns_.end(), result.columns.begin(), result.columns.end(),
+                               [&](const TColumn& column, const std::string& name) {
+                                 return column.name == name && column.classText == classOf(name);
+                               });
+  if (same) return;
+  columns_.clear();
+  for (const std::string& name : result.columns)
+    columns_.push_back({name, std::string(classOf(name)), TCassType::fromClass(classOf(name))});
+}
+
+bool TCassRows::hasColumn(std::string_view name) const {
+  return std::any_of(columns_.begin(), columns_.end(),
+                     [&](const TColumn& column) { return equalIgnoringCase(column.name, name); });
 }
 
 TObject TCassRows::getCassandraBSON(const TCassRow& row, bool ignoreNulls, const TDateTimeText& dates) const {
@@ -85,47 +100,48 @@ TCassandraReader::TCassandraReader(const TStoreOptions& options)
       rows_(lengths_) {}
 
 void TCassandraReader::openRoot(const TDataSource& source, const TShare& share) {
-  const TCassSource query(source);
-  hasRow_ = ranged_ = false;
-  pages_.reset();
+  TCassSource query(source);
+  refuseParameters(source, query.query);
+  hasRow_ = gone_ = false;
+  rows_ = TCassRows(lengths_);
   piece_ = {};
   row_ = 0;
-  left_ = share.degree > 1 ? share.rows : std::nullopt;
   try {
-    if (!client_.isConnected()) client_.connect();
-    client_.setKeyspace(query.keyspace);
-    openPages(query, share);
+    readPatiently(client_, TCassRetry(options_.stop), [&] { openPages(query, share); });
     if (!pages_) openWhole(query);
     std::int64_t passed = 0;
     while (!ranged_ && passed < share.start && nextRow()) ++passed;
     if (row_ == piece_.rows.size() && !nextPiece() && !ranged_) failSource(noRows + query.query);
   } catch (const TCassandraError& error) {
     failSource(error.what());
+  } catch (const TStoreError& error) {
+    failSource(error.what());
   }
 }
 
-/// Leaves pages_ empty when the statement can only be read at once; what the server says against it is then
-/// said of the statement itself.
-void TCassandraReader::openPages(const TCassSource& query, const TShare& share) {
+/// Leaves pages_ empty when the statement can only be read at once. That hangs on what is the same for all
+/// shares: were one read by tokens and another by row numbers, rows would be missed.
+void TCassandraReader::openPages(TCassSource& source, const TShare& share) {
+  pages_.reset();
+  ranged_ = false;
+  left_ = share.degree > 1 ? share.rows : std::nullopt;
+  source.useKeyspace(client_);
   std::string why;
-  const bool old = client_.majorVersion() < 3;
-  auto plan =
-      planRoot(query.query, TCassSchema(client_).columns(query.keyspace, query.columnfamily), old, why);
-  TTokenRange range;
-  if (plan && share.degree > 1 && !plan->onePartition && !plan->limit &&
-      client_.partitioner().ends_with("Murmur3Partitioner")) {
-    range = murmur3Range(share.number, share.degree);
-    ranged_ = true;
-  }
-  if (plan && plan->limit)
-    left_ = std::min(left_.value_or(*plan->limit), std::max<std::int64_t>(0, *plan->limit - share.start));
+  auto plan = source.plan(client_, why);
   if (plan) {
-    pages_.emplace(client_, query.keyspace, std::move(*plan), range, options_.fetchLimit, options_.stop);
+    TTokenRange range;
+    if (share.degree > 1 && !plan->onePartition && !plan->limit &&
+        client_.partitioner().ends_with("Murmur3Partitioner")) {
+      range = murmur3Range(share.number, share.degree);
+      ranged_ = true;
+    }
+    if (plan->limit)
+      left_ = std::min(left_.value_or(*plan->limit), std::max<std::int64_t>(0, *plan->limit - share.start));
+    pages_.emplace(client_, source.keyspace, std::move(*plan), range, options_.fetchLimit, options_.stop);
     try {
-      nextPiece();
-      return;
+      return pages_->tryOut();
     } catch (const TCassandraError& error) {
-      if (error.connectionLost() || error.why() == TCassandraError::TWhy::TimedOut) throw;
+      if (error.why() != TCassandraError::TWhy::Refused) throw;
       why = error.what();
     }
   }
@@ -134,10 +150,9 @@ void TCassandraReader::openPages(const TCassSource& query, const TShare& share) 
   if (options_.remark) options_.remark("The query is read at once, with all its rows in memory: " + why);
 }
 
-void TCassandraReader::openWhole(const TCassSource& query) {
-  piece_ = client_.execute(query.query, client_.readLevel());
+void TCassandraReader::openWhole(const TCassSource& source) {
+  piece_ = readWhole(client_, source.keyspace, TCqlSelect(source.query), options_.stop);
   rows_.describe(piece_);
-  row_ = 0;
 }
 
 /// The next piece that has rows.
@@ -182,18 +197,30 @@ std::string TCassandraReader::rowText() {
   return hasRow_ && row_ > 0 ? rows_.text(piece_.rows[row_ - 1], dates_) : std::string();
 }
 
-TCassandraReader::TNested& TCassandraReader::nestedQuery(const std::string& name, const TCassSource& query) {
-  const auto found = nestedQueries_.find(name);
+const TCassandraReader::TNested& TCassandraReader::nestedQuery(TCassSource& source) {
+  const std::string key = source.keyspace + '\n' + source.query;
+  const auto found = nestedQueries_.find(key);
   if (found != nestedQueries_.end()) return found->second;
-  client_.setKeyspace(query.keyspace);
-  TMarkedCql marked = markParameters(query.query);
+  source.useKeyspace(client_);
+  TMarkedCql marked = markParameters(source.query);
   TNested nested{std::move(marked.cql), std::move(marked.parameters), {}, {}};
   nested.prepared = client_.prepare(nested.cql);
   for (const std::string& type : nested.prepared.types) nested.types.push_back(TCassType::fromClass(type));
   if (nested.types.size() != nested.parameters.size())
     throw TCassandraError(TCassandraError::TWhy::Refused,
-                          "A nested query may have parameters, but no markers: " + query.query);
-  return nestedQueries_.emplace(name, std::move(nested)).first->second;
+                          "The server counts other parameters in the nested query: " + source.query);
+  return nestedQueries_.emplace(key, std::move(nested)).first->second;
+}
+
+const TValue& TCassandraReader::parameterValue(const TObject& parent, const std::string& name) const {
+  if (const TValue* value = findByPath(parent, name)) return *value;
+  // A null column is not in the row when nulls are left out.
+  const TCassRows& columns = nesting_.empty() ? rows_ : *nesting_.back();
+  const std::string outer = name.substr(0, name.find('.'));
+  const bool isNull =
+      columns.hasColumn(name) || (columns.hasColumn(outer) && !parent.findIgnoringCase(outer));
+  if (isNull) return nullValue;
+  throw TStoreError(TStoreErrorKind::Read, "The parent row has no field for the query parameter :" + name);
 }
 
 /// The parent's values by the types of the markers, so that nothing in them can change the query. Empty for
@@ -202,13 +229,10 @@ std::vector<std::string> TCassandraReader::processCassandraParams(const TNested&
                                                                   const TObject& parent) const {
   std::vector<std::string> values;
   for (std::size_t i = 0; i < query.parameters.size(); ++i) {
-    const TValue* value = findByPath(parent, query.parameters[i]);
-    if (!value)
-      throw TStoreError(TStoreErrorKind::Read,
-                        "The parent row has no field for the query parameter :" + query.parameters[i]);
-    if (value->isNull()) return {};
+    const TValue& value = parameterValue(parent, query.parameters[i]);
+    if (value.isNull()) return {};
     try {
-      values.push_back(cassBytes(*value, query.types[i], lengths_, dates_));
+      values.push_back(cassBytes(value, query.types[i], lengths_, dates_));
     } catch (const std::runtime_error& error) {
       throw TStoreError(TStoreErrorKind::Read,
                         "The query parameter :" + query.parameters[i] + " does not fit: " + error.what());
@@ -217,33 +241,49 @@ std::vector<std::string> TCassandraReader::processCassandraParams(const TNested&
   return values;
 }
 
-TCassResult TCassandraReader::runNested(const std::string& name, const TCassSource& query,
-                                        const TObject& parent) {
-  for (bool again = true;; again = false) {
-    try {
-      if (!client_.isConnected()) client_.connect();
-      const TNested& nested = nestedQuery(name, query);
-      const std::vector<std::string> values = processCassandraParams(nested, parent);
-      if (values.size() < nested.parameters.size()) return {};
-      return client_.executePrepared(nested.prepared.id, values, client_.readLevel());
-    } catch (const TCassandraError& error) {
-      const bool lost =
-          error.why() == TCassandraError::TWhy::Lost && !(options_.stop && options_.stop->isSet());
-      const bool retry = again && (lost || error.why() == TCassandraError::TWhy::NotPrepared);
-      if (!retry) throw TStoreError(TStoreErrorKind::Read, error.what());
-      nestedQueries_.clear();
-    } catch (const TStoreError& error) {
-      if (error.kind() != TStoreErrorKind::Connect) throw;
-      throw TStoreError(TStoreErrorKind::Read, error.what());
-    }
+TCassResult TCassandraReader::runNestedOnce(TCassSource& source, const TObject& parent) {
+  try {
+    const TNested& nested = nestedQuery(source);
+    const std::vector<std::string> values = processCassandraParams(nested, parent);
+    if (values.size() < nested.parameters.size()) return {};
+    return client_.executePrepared(nested.prepared.id, values, client_.readLevel());
+  } catch (const TCassandraError& error) {
+    if (error.connectionLost() || error.why() == TCassandraError::TWhy::NotPrepared) nestedQueries_.clear();
+    throw;
   }
 }
 
+/// A server that was waited for in vain is not waited for by every row.
+TCassResult TCassandraReader::runNested(TCassSource& source, const TObject& parent) {
+  const TCassRetry retry(options_.stop, gone_ ? 1 : TCassRetry::usual);
+  const auto lose = [this](const std::exception& error, bool gone) {
+    gone_ = gone;
+    throw TStoreError(TStoreErrorKind::Read, error.what());
+  };
+  try {
+    TCassResult result = readPatiently(client_, retry, [&] { return runNestedOnce(source, parent); });
+    gone_ = false;
+    return result;
+  } catch (const TCassandraError& error) {
+    lose(error, error.connectionLost());
+  } catch (const TStoreError& error) {
+    if (error.kind() != TStoreErrorKind::Connect) throw;
+    lose(error, true);
+  }
+  return {};
+}
+
 void TCassandraReader::nested(const TDataSource& source, const TObject& parent, const TRowSink& row) {
-  const TCassSource query(source, TStoreErrorKind::Read);
-  const TCassResult result = runNested(source.name, query, parent);
+  TCassSource query(source, TStoreErrorKind::Read);
+  const TCassResult result = runNested(query, parent);
   TCassRows rows(lengths_);
   rows.describe(result);
+  struct TNesting {
+    std::vector<const TCassRows*>& all;
+    ~TNesting() { all.pop_back(); }
+  };
+  nesting_.push_back(&rows);
+  const TNesting leave{nesting_};
   for (const TCassRow& cells : result.rows) {
     std::optional<TObject> object;
     try {

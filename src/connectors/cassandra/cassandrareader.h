@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "connectors/cassandra/cassandraclient.h"
+#include "connectors/cassandra/casssource.h"
 #include "connectors/cassandra/casstype.h"
 #include "connectors/cassandra/rootpages.h"
 #include "connectors/datetimetext.h"
@@ -14,22 +14,14 @@
 
 namespace hollowmere {
 
-/// A query object of Cassandra: members keyspace, columnfamily and query (CQL).
-struct TCassSource {
-  /// Throws TStoreError of that kind when the keyspace or the query is missing.
-  explicit TCassSource(const TDataSource& source, TStoreErrorKind kind = TStoreErrorKind::DataSource);
-
-  std::string keyspace;
-  std::string columnfamily;
-  std::string query;
-};
-
 /// Makes rows of a result: knows the types of its columns.
 class TCassRows {
  public:
   explicit TCassRows(TCollectionLengths lengths = TCollectionLengths::Int32) : lengths_(lengths) {}
 
   void describe(const TCassResult& result);
+  /// Whether the result has the column, letter case ignored.
+  [[nodiscard]] bool hasColumn(std::string_view name) const;
   /// Throws std::runtime_error naming the column.
   TObject getCassandraBSON(const TCassRow& row, bool ignoreNulls, const TDateTimeText& dates) const;
   /// Of a row that cannot be read: what cannot be is Base64.
@@ -38,8 +30,8 @@ class TCassRows {
  private:
   struct TColumn {
     std::string name;
+    std::string classText;
     TCassType type;
-    bool operator==(const std::string& other) const { return name == other; }
   };
 
   TCollectionLengths lengths_;
@@ -67,13 +59,15 @@ class TCassandraReader : public TSourceReader {
   };
 
   std::optional<TObject> getCassJSON();
-  void openPages(const TCassSource& query, const TShare& share);
-  void openWhole(const TCassSource& query);
+  void openPages(TCassSource& source, const TShare& share);
+  void openWhole(const TCassSource& source);
   bool nextRow();
   bool nextPiece();
-  TNested& nestedQuery(const std::string& name, const TCassSource& query);
+  const TNested& nestedQuery(TCassSource& source);
+  [[nodiscard]] const TValue& parameterValue(const TObject& parent, const std::string& name) const;
   std::vector<std::string> processCassandraParams(const TNested& query, const TObject& parent) const;
-  TCassResult runNested(const std::string& name, const TCassSource& query, const TObject& parent);
+  TCassResult runNestedOnce(TCassSource& source, const TObject& parent);
+  TCassResult runNested(TCassSource& source, const TObject& parent);
 
   TStoreOptions options_;
   TCassandraClient client_;
@@ -86,7 +80,9 @@ class TCassandraReader : public TSourceReader {
   bool hasRow_ = false;  ///< the one before it is the current row
   bool ranged_ = false;  ///< the share is a range of tokens, not of rows
   std::optional<std::int64_t> left_;
-  std::map<std::string, TNested, std::less<>> nestedQueries_;  ///< by data source name
+  std::map<std::string, TNested> nestedQueries_;  ///< by keyspace and statement
+  std::vector<const TCassRows*> nesting_;  ///< results whose rows are being handed over, the root's apart
+  bool gone_ = false;                      ///< the server was waited for in vain
 };
 
 }  // namespace hollowmere

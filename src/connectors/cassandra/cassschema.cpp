@@ -54,13 +54,11 @@ TKeyRole roleOf(std::string_view kind) {
 }  // namespace
 
 std::string validatorText(const std::string& validator) {
-  std::string text = CassandraValidatorToCqlType(validator);
-  if (text.find("unknown") == std::string::npos) {
-    // The table of names tells a timeuuid, which is a uuid with a time in it, for a uuid.
-    const TCassType type = TCassType::fromClass(validator);
-    return type.base == TCassType::TBase::TimeUuid ? type.cql() : text;
-  }
-  return TCassType::fromClass(validator).cql();
+  const std::string text = CassandraValidatorToCqlType(validator);
+  // The table of names tells a timeuuid, which is a uuid with a time in it, for a uuid.
+  const bool known =
+      text.find("unknown") == std::string::npos && validator.find("TimeUUIDType") == std::string::npos;
+  return known ? text : TCassType::fromClass(validator).cql();
 }
 
 std::string TCassSchema::where(const std::string& keyspace, const std::string& table) const {
@@ -114,9 +112,15 @@ std::vector<TCassColumn> TCassSchema::columns(const std::string& keyspace, const
   return columns;
 }
 
-/// Tables with compact storage list columns that no statement sees.
+/// Tables with compact storage list columns that no statement sees: the value of one that has none, and, when
+/// it has no clustering columns, those that stand for them, while its own are called static.
 void TCassSchema::hideCompact(const std::string& keyspace, const std::string& table,
                               std::vector<TCassColumn>& columns) {
+  std::erase_if(columns,
+                [](const TCassColumn& c) { return c.role == TKeyRole::Regular && c.type == "empty"; });
+  const bool statics = std::any_of(columns.begin(), columns.end(),
+                                   [](const TCassColumn& c) { return c.role == TKeyRole::Static; });
+  if (!statics) return;
   const TSchemaRows rows(
       client_.execute("select flags from system_schema.tables" + where(keyspace, table), TConsistency::One));
   if (rows.size() == 0) return;
@@ -124,11 +128,8 @@ void TCassSchema::hideCompact(const std::string& keyspace, const std::string& ta
   if (!flags.is(TKind::List)) return;
   for (const TValue& flag : flags.asList())
     if (flag == TValue("compound")) return;
-  const bool statics = std::any_of(columns.begin(), columns.end(),
-                                   [](const TCassColumn& c) { return c.role == TKeyRole::Static; });
-  std::erase_if(columns, [&](const TCassColumn& c) {
-    if (statics) return c.role == TKeyRole::Clustering || c.role == TKeyRole::Regular;
-    return c.role == TKeyRole::Regular && c.type == "empty";
+  std::erase_if(columns, [](const TCassColumn& c) {
+    return c.role == TKeyRole::Clustering || c.role == TKeyRole::Regular;
   });
   for (TCassColumn& column : columns)
     if (column.role == TKeyRole::Static) column.role = TKeyRole::Regular;

@@ -29,7 +29,9 @@ std::optional<std::string> dateBytes(const TValue& value, const TDateTimeText& d
   if (!moment) return std::nullopt;
   const bool utcMidnight = *moment % dayMilliseconds == 0;
   const std::int64_t day = floorDay(utcMidnight ? *moment : *moment + localOffset(*moment));
-  return bigEndianBytes(static_cast<std::uint64_t>(day + 0x80000000LL), 4);
+  constexpr std::int64_t first = 0x80000000LL;
+  if (day < -first || day >= first) return std::nullopt;
+  return bigEndianBytes(static_cast<std::uint64_t>(day + first), 4);
 }
 
 /// Takes the number at the front of a text; nothing when there is none.

@@ -139,7 +139,8 @@ std::optional<std::vector<TElement>> takeElements(std::string_view bytes, std::s
 
 /// What stands in a collection, a tuple or a user type: its lengths have 32 bits on every server.
 TValue inner(const TElement& bytes, const TCassType& type, const TDateTimeText& dates) {
-  if (!bytes) return nullptr;
+  const bool text = type.base == TBase::Ascii || type.base == TBase::Text || type.base == TBase::Blob;
+  if (!bytes || (bytes->empty() && !text)) return nullptr;
   return cassValue(*bytes, type, TCollectionLengths::Int32, dates);
 }
 
@@ -193,8 +194,7 @@ TValue itemsValue(std::string_view bytes, const TCassType& type, const TDateTime
 
 TValue cassValue(std::string_view bytes, const TCassType& type, TCollectionLengths lengths,
                  const TDateTimeText& dates) {
-  const bool text = type.base == TBase::Ascii || type.base == TBase::Text || type.base == TBase::Blob;
-  if (bytes.empty()) return text ? TValue("") : TValue();
+  if (bytes.empty()) return "";
   if (type.isCollection()) return collectionValue(bytes, type, lengths, dates);
   if (type.base == TBase::Tuple || type.base == TBase::User) return itemsValue(bytes, type, dates);
   return scalarValue(bytes, type, dates);

@@ -54,7 +54,7 @@ class TTokenizer {
       const std::string_view two = cql_.substr(std::min(at_, cql_.size()), 2);
       if (two == "--" || two == "//")
         passUntil("\n");
-      else if (two == "/*")
+      else if (two == "/*" && cql_.find("*/", at_ + 2) != std::string_view::npos)
         passUntil("*/");
       else
         return at_ < cql_.size();
@@ -98,8 +98,12 @@ class TTokenizer {
       return TPiece::Number;
     }
     ++at_;
-    if (c != ':' || !startsName(look()) || behindKey()) return TPiece::Symbol;
-    pass(continuesParameter);
+    const bool named = startsName(look()) || look() == '"';
+    if (c != ':' || !named || behindKey()) return TPiece::Symbol;
+    if (look() == '"')
+      passQuoted('"');
+    else
+      pass(continuesParameter);
     return TPiece::Parameter;
   }
 
@@ -150,6 +154,8 @@ std::string TCqlToken::name() const {
   return lower;
 }
 
+std::string TCqlToken::parameter() const { return replaceAll(replaceAll(text, "'", ""), "\"", "").substr(1); }
+
 std::vector<TCqlToken> cqlTokens(std::string_view cql) { return TTokenizer(cql).all(); }
 
 std::string cqlName(std::string_view name) {
@@ -168,9 +174,7 @@ TMarkedCql markParameters(std::string_view cql) {
   std::size_t from = 0;
   for (const TCqlToken& token : cqlTokens(cql)) {
     if (token.kind != TPiece::Parameter) continue;
-    std::string_view name = token.text;
-    if (name.front() == '\'') name = name.substr(1, name.size() - 2);
-    marked.parameters.emplace_back(name.substr(1));
+    marked.parameters.push_back(token.parameter());
     marked.cql.append(cql, from, token.begin - from).append("?");
     from = token.begin + token.text.size();
   }
@@ -178,11 +182,20 @@ TMarkedCql markParameters(std::string_view cql) {
   return marked;
 }
 
-std::string countCql(std::string_view cql) {
-  for (const TCqlToken& token : cqlTokens(cql))
-    if (token.isWord("from"))
-      return "select count(*) from " + std::string(trimmed(cql.substr(token.begin + token.text.size())));
-  return "select count(*) from " + std::string(trimmed(cql));
+std::string withoutComments(std::string_view cql) {
+  std::string plain;
+  std::size_t end = 0;
+  const auto addGap = [&](std::size_t to) {
+    const std::string_view gap = cql.substr(end, to - end);
+    plain += trimmed(gap).empty() ? gap : std::string_view(" ");
+  };
+  for (const TCqlToken& token : cqlTokens(cql)) {
+    addGap(token.begin);
+    plain += token.text;
+    end = token.begin + token.text.size();
+  }
+  addGap(cql.size());
+  return plain;
 }
 
 }  // namespace hollowmere

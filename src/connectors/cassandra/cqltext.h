@@ -12,7 +12,7 @@ struct TCqlToken {
     Name,       ///< a name in double quotes
     Text,       ///< in single quotes or $$
     Number,     ///< begins with a digit: also a uuid or a blob
-    Parameter,  ///< :name, also as the whole of a text in single quotes
+    Parameter,  ///< :name, :"name", or :name as the whole of a text in single quotes
     Symbol,     ///< any other character
   };
 
@@ -21,6 +21,8 @@ struct TCqlToken {
   [[nodiscard]] bool isSymbol(char c) const { return kind == TKind::Symbol && text[0] == c; }
   /// The name as the schema has it: unquoted ones in lower case.
   [[nodiscard]] std::string name() const;
+  /// The name of a parameter, without its colon and quotes.
+  [[nodiscard]] std::string parameter() const;
 
   TKind kind = TKind::Symbol;
   std::string_view text;  ///< as it stands
@@ -42,7 +44,7 @@ struct TMarkedCql {
 };
 TMarkedCql markParameters(std::string_view cql);
 
-/// "select count(*) from " and what stands behind the statement's first "from".
-std::string countCql(std::string_view cql);
+/// The statement with a blank in the place of each comment.
+std::string withoutComments(std::string_view cql);
 
 }  // namespace hollowmere

@@ -7,26 +7,38 @@
 
 namespace hollowmere {
 
-TTokenRange murmur3Range(int number, int degree) {
-  const std::uint64_t step = std::numeric_limits<std::uint64_t>::max() / static_cast<std::uint64_t>(degree);
+TTokenRange tokensBetween(std::uint64_t from, std::uint64_t to) {
   // Tokens are signed: the least is in the middle of the unsigned numbers.
-  const auto bound = [&](int share) {
-    return bigEndianBytes((std::uint64_t{1} << 63) + step * static_cast<std::uint64_t>(share), 8);
-  };
+  constexpr std::uint64_t least = std::uint64_t{1} << 63;
   TTokenRange range;
-  if (number > 1) range.lower = bound(number - 1);
-  if (number < degree) range.upper = bound(number);
+  if (from > 0) range.lower = bigEndianBytes(least + from, 8);
+  if (to < std::numeric_limits<std::uint64_t>::max()) range.upper = bigEndianBytes(least + to, 8);
   return range;
 }
 
-TRootPages::TRootPages(TCassandraClient& client, std::string keyspace, TRootPlan plan, TTokenRange range,
-                       std::int64_t rows, const TStopFlag* stop)
+TTokenRange murmur3Range(int number, int degree) {
+  constexpr std::uint64_t all = std::numeric_limits<std::uint64_t>::max();
+  const std::uint64_t step = all / static_cast<std::uint64_t>(degree);
+  const auto bound = [&](int share) { return step * static_cast<std::uint64_t>(share); };
+  return tokensBetween(bound(number - 1), number < degree ? bound(number) : all);
+}
+
+TRootPages::TRootPages(TCassandraClient& client, const std::string& keyspace, TRootPlan plan,
+                       TTokenRange range, std::int64_t rows, const TStopFlag* stop)
     : client_(client),
-      keyspace_(std::move(keyspace)),
+      statements_(client, keyspace),
       plan_(std::move(plan)),
       range_(std::move(range)),
       rows_(std::max<std::int64_t>(1, rows)),
       stop_(stop) {}
+
+void TRootPages::tryOut() {
+  const bool ranged = range_.lower || range_.upper;
+  statements_.prepare(plan_.firstCql(ranged, ranged, rows_));
+  if (!plan_.onePartition) statements_.prepare(plan_.behindCql(ranged, rows_));
+  for (std::size_t depth = 1; depth <= plan_.clustering.size(); ++depth)
+    statements_.prepare(plan_.withinCql(depth, rows_));
+}
 
 std::optional<TCassResult> TRootPages::next() {
   while (!over_) {
@@ -42,33 +54,26 @@ std::optional<TCassResult> TRootPages::next() {
   return std::nullopt;
 }
 
-/// Once more over a new connection when this one was lost; with fewer rows when they are too large together.
+/// With fewer rows when they are too large together.
 TCassResult TRootPages::run() {
-  for (bool again = true;; again = false) {
+  for (;;) {
     try {
-      return runOnce();
+      return readPatiently(client_, TCassRetry(stop_), [this] { return runOnce(); });
     } catch (const TCassandraError& error) {
-      const bool smaller = error.why() == TCassandraError::TWhy::Oversized && rows_ > 1;
-      if (error.connectionLost() && (smaller || again) && !(stop_ && stop_->isSet())) {
-        client_.connect();
-        if (smaller) rows_ /= 2;
-        prepared_.clear();
-        if (smaller) again = true;
-      } else if (error.why() == TCassandraError::TWhy::NotPrepared && again) {
-        prepared_.clear();
-      } else {
-        throw;
-      }
+      if (error.why() != TCassandraError::TWhy::Oversized || rows_ == 1) throw;
+      rows_ /= 2;
     }
   }
 }
 
+/// A server that needs longer than it may is asked for less the next time.
 TCassResult TRootPages::runOnce() {
-  client_.setKeyspace(keyspace_);
-  const std::string cql = stageCql();
-  auto found = prepared_.find(cql);
-  if (found == prepared_.end()) found = prepared_.emplace(cql, client_.prepare(cql)).first;
-  return client_.executePrepared(found->second.id, stageValues(), client_.readLevel());
+  try {
+    return statements_.run(stageCql(), stageValues());
+  } catch (const TCassandraError& error) {
+    if (error.why() == TCassandraError::TWhy::TimedOut) rows_ = std::max<std::int64_t>(1, rows_ / 2);
+    throw;
+  }
 }
 
 std::string TRootPages::stageCql() const {
@@ -116,19 +121,16 @@ void TRootPages::leaveStage() {
 void TRootPages::remember(const TCassResult& piece) {
   // The appended columns stand last: looked for from the end.
   const auto cell = [&](const TCassColumn& column) -> const TCassCell& {
-    static const TCassCell none;
     const auto found = std::find(piece.columns.rbegin(), piece.columns.rend(), column.name);
-    if (found == piece.columns.rend()) return none;
+    if (found == piece.columns.rend())
+      throw TCassandraError(TCassandraError::TWhy::Refused,
+                            "The key column " + column.name + " is not in the rows.");
     return piece.rows.back()[static_cast<std::size_t>(piece.columns.rend() - found) - 1];
   };
   lastPartition_.clear();
   lastClustering_.clear();
-  for (const TCassColumn& column : plan_.partition) {
-    if (!cell(column))
-      throw TCassandraError(TCassandraError::TWhy::Refused,
-                            "The key column " + column.name + " is not in the rows.");
-    lastPartition_.push_back(*cell(column));
-  }
+  for (const TCassColumn& column : plan_.partition) lastPartition_.push_back(cell(column).value_or(""));
+  // None of them: a row of static columns alone.
   for (const TCassColumn& column : plan_.clustering) {
     if (!cell(column)) break;
     lastClustering_.push_back(*cell(column));

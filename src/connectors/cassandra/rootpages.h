@@ -1,11 +1,10 @@
 #pragma once
 
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "connectors/cassandra/cassandraclient.h"
+#include "connectors/cassandra/cassread.h"
 #include "connectors/cassandra/rootplan.h"
 
 namespace hollowmere {
@@ -16,18 +15,23 @@ struct TTokenRange {
   std::optional<std::string> upper;
 };
 
-/// The share's part of all tokens of the Murmur3 partitioner.
+/// Tokens of the Murmur3 partitioner by how far they are from its least one; all of them: up to 2^64 - 1.
+TTokenRange tokensBetween(std::uint64_t from, std::uint64_t to);
+/// The share's part of them all.
 TTokenRange murmur3Range(int number, int degree);
 
-/// Runs a plan piece by piece; holds one piece at a time. A connection that is lost is made anew once for
-/// each piece. The client outlives it.
+/// Runs a plan piece by piece; holds one piece at a time. Each is read patiently (see readPatiently()), with
+/// fewer rows when they take the server too long, or are too large together. The client outlives it.
 class TRootPages {
  public:
-  TRootPages(TCassandraClient& client, std::string keyspace, TRootPlan plan, TTokenRange range,
+  TRootPages(TCassandraClient& client, const std::string& keyspace, TRootPlan plan, TTokenRange range,
              std::int64_t rows, const TStopFlag* stop);
 
-  /// The next piece, without the columns that were appended; nothing at the end. Throws TCassandraError, also
-  /// when the first piece's statement is refused, and TStoreError (Connect).
+  /// Has the server look at every statement that may come, so that it takes all or none: whatever the share.
+  /// Throws TCassandraError (Refused) when it does not.
+  void tryOut();
+  /// The next piece, without the columns that were appended; nothing at the end. Throws TCassandraError and
+  /// TStoreError (Connect).
   std::optional<TCassResult> next();
 
  private:
@@ -42,12 +46,11 @@ class TRootPages {
   void leaveStage();
 
   TCassandraClient& client_;
-  std::string keyspace_;
+  TCassStatements statements_;
   TRootPlan plan_;
   TTokenRange range_;
   std::int64_t rows_;
   const TStopFlag* stop_;
-  std::map<std::string, TCassPrepared> prepared_;
   bool first_ = true;
   bool over_ = false;
   /// How many clustering columns bound the next piece; behind: none, the partition itself is passed.

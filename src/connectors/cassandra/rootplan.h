@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "connectors/cassandra/cassschema.h"
+#include "connectors/cassandra/cqlselect.h"
 
 namespace hollowmere {
 
@@ -14,6 +14,7 @@ namespace hollowmere {
 /// own that goes on behind the last row's key.
 struct TRootPlan {
   std::string select;         ///< up to the table's name, key columns among the columns
+  std::string table;          ///< "from" and the table's name
   std::string conditions;     ///< of the statement; may be empty
   bool filtering = false;     ///< allowed by the statement
   bool onePartition = false;  ///< the conditions name the whole partition key
@@ -31,15 +32,21 @@ struct TRootPlan {
   [[nodiscard]] std::string withinCql(std::size_t depth, std::int64_t rows) const;
   /// The partitions behind: markers for the partition key, and the upper bound.
   [[nodiscard]] std::string behindCql(bool upper, std::int64_t rows) const;
+  /// Makes it a plan for the keys alone.
+  void selectKeys();
+  /// Counts the rows between such bounds.
+  [[nodiscard]] std::string countCql(bool lower, bool upper) const;
 
  private:
   [[nodiscard]] std::string tokenCall(bool markers) const;
-  [[nodiscard]] std::string finish(std::vector<std::string> more, std::int64_t rows) const;
+  [[nodiscard]] std::vector<std::string> tokenBounds(bool lower, bool upper) const;
+  [[nodiscard]] std::string finish(const std::string& begin, std::vector<std::string> more,
+                                   std::int64_t rows) const;
 };
 
 /// Plans a statement on a table. Nothing, and the reason in why, when it can only be read at once. oldServer:
 /// before version 3, where frozen collections cannot be sent back as they came.
-std::optional<TRootPlan> planRoot(std::string_view cql, const std::vector<TCassColumn>& columns,
+std::optional<TRootPlan> planRoot(const TCqlSelect& select, const std::vector<TCassColumn>& columns,
                                   bool oldServer, std::string& why);
 
 }  // namespace hollowmere

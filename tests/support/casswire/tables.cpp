@@ -335,8 +335,14 @@ class TStatement {
   }
 
   TRows counted(const TTable& from, const std::vector<TCondition>& wanted) {
-    std::int64_t count = table_ == "rows" ? tables_.virtualRows : 0;
-    for (const auto& [key, row] : from.rows) count += matches(from, row, wanted);
+    std::int64_t count = 0;
+    if (table_ == "rows" && tables_.virtualRows > 0 && values_) {
+      std::optional<std::int64_t> above, upTo;
+      for (const TCondition& condition : wanted)
+        (condition.compare == ">" ? above : upTo) = condition.tokenValue;
+      count = tables_.virtualCount(above, upTo);
+    }
+    for (const auto& [key, row] : from.rows) count += values_ && matches(from, row, wanted);
     return {{{"count", "bigint", "regular", std::string(marshal) + "LongType"}},
             {{bigEndian(static_cast<std::uint64_t>(count), 8)}}};
   }
@@ -451,22 +457,36 @@ TRows TTables::run(const std::string& cql, const std::string& keyspace,
 }
 
 /// Row i has the key that is its token, spread over all tokens.
+std::int64_t TTables::virtualKey(std::int64_t row) const {
+  const std::uint64_t step =
+      std::numeric_limits<std::uint64_t>::max() / static_cast<std::uint64_t>(virtualRows);
+  return static_cast<std::int64_t>((std::uint64_t{1} << 63) + 1 + step * static_cast<std::uint64_t>(row));
+}
+
+/// The first row whose key is above the bound.
+std::int64_t TTables::virtualRowAbove(std::optional<std::int64_t> bound) const {
+  if (!bound) return 0;
+  const std::uint64_t step =
+      std::numeric_limits<std::uint64_t>::max() / static_cast<std::uint64_t>(virtualRows);
+  auto row =
+      static_cast<std::int64_t>((static_cast<std::uint64_t>(*bound) - (std::uint64_t{1} << 63)) / step);
+  while (row < virtualRows && virtualKey(row) <= *bound) ++row;
+  return std::min(row, virtualRows);
+}
+
+std::int64_t TTables::virtualCount(std::optional<std::int64_t> above,
+                                   std::optional<std::int64_t> upTo) const {
+  return (upTo ? virtualRowAbove(upTo) : virtualRows) - virtualRowAbove(above);
+}
+
 TRows TTables::virtualSelect(std::optional<std::int64_t> above, std::optional<std::int64_t> upTo,
                              std::int64_t limit) const {
   const TTable& table = tables_.at("bench.rows");
-  const std::uint64_t step =
-      std::numeric_limits<std::uint64_t>::max() / static_cast<std::uint64_t>(virtualRows);
-  const auto key = [&](std::int64_t row) {
-    return static_cast<std::int64_t>((std::uint64_t{1} << 63) + 1 + step * static_cast<std::uint64_t>(row));
-  };
-  std::int64_t row = 0;
-  if (above)
-    row = static_cast<std::int64_t>((static_cast<std::uint64_t>(*above) - (std::uint64_t{1} << 63)) / step);
-  while (above && row < virtualRows && key(row) <= *above) ++row;
   TRows result{table.columns, {}};
-  for (; row < virtualRows && limit-- > 0 && (!upTo || key(row) <= *upTo); ++row) {
+  for (std::int64_t row = virtualRowAbove(above);
+       row < virtualRows && limit-- > 0 && (!upTo || virtualKey(row) <= *upTo); ++row) {
     TRow cells(table.columns.size(), std::string("some forty bytes of text in every column"));
-    cells[0] = bigEndian(static_cast<std::uint64_t>(key(row)), 8);
+    cells[0] = bigEndian(static_cast<std::uint64_t>(virtualKey(row)), 8);
     result.rows.push_back(std::move(cells));
   }
   return result;

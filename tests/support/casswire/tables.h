@@ -70,6 +70,10 @@ class TTables {
  private:
   TTable& find(const std::string& keyspace, const std::string& table);
   void addSchema(const std::string& keyspace, const std::string& table, const std::vector<TColumn>& columns);
+  [[nodiscard]] std::int64_t virtualKey(std::int64_t row) const;
+  [[nodiscard]] std::int64_t virtualRowAbove(std::optional<std::int64_t> bound) const;
+  [[nodiscard]] std::int64_t virtualCount(std::optional<std::int64_t> above,
+                                          std::optional<std::int64_t> upTo) const;
   TRows virtualSelect(std::optional<std::int64_t> above, std::optional<std::int64_t> upTo,
                       std::int64_t limit) const;
 
