@@ -7,31 +7,9 @@ import sys
 
 from pymongo import MongoClient
 
+from comparison import check, finish, parse, plain, read_lines, read_totals
+
 os.chdir(sys.argv[1])
-faults = 0
-
-
-def check(what, found, wanted):
-    global faults
-    good = found == wanted
-    faults += not good
-    print(f"  {'ok     ' if good else 'WRONG  '}{what}: {found}" + ("" if good else f", but must be {wanted}"))
-
-
-def read_lines(name, end):
-    """The lines of a file; every one of them must have its end."""
-    with open(name, encoding="utf-8", newline="") as file:
-        lines = file.read().split(end)
-    if lines.pop():
-        check(f"last line of {name}", "cut off", "whole")
-    return lines
-
-
-def parse(line):
-    try:
-        return json.loads(line)
-    except ValueError:
-        return None
 
 
 def is_amount(text):
@@ -41,15 +19,6 @@ def is_amount(text):
 def moment(text):
     """A date as the result writes it; a day begins at midnight UTC."""
     return text + "T00:00:00.000Z" if text and len(text) == 10 else text
-
-
-def plain(value):
-    """A value of the result as it was before its double quotes were masked."""
-    if isinstance(value, dict):
-        return {name: plain(member) for name, member in value.items()}
-    if isinstance(value, list):
-        return [plain(member) for member in value]
-    return value.replace("&quot;", '"') if isinstance(value, str) else value
 
 
 def nested_order(order):
@@ -74,8 +43,7 @@ for row in good:
 customers = [json.loads(line) for line in read_lines("customers.json", "\n")]
 
 print("The load of the orders")
-with open("orders.totals.json", encoding="utf-8") as file:
-    totals = json.load(file)
+totals = read_totals("orders")
 by_target = {mapping["target"]: mapping for mapping in totals["mappings"]}
 for target, loaded in (("orders", len(orders)), ("invoices", len(good))):
     counts = by_target[target]
@@ -136,5 +104,4 @@ for customer, document in zip(customers, sorted(full, key=lambda document: docum
         different.append(customer["number"])
 check("customers that differ from the files in any value", different[:10] or "none", "none")
 
-print(f"{faults} faults" if faults else "All of it is as it must be.")
-sys.exit(1 if faults else 0)
+finish()

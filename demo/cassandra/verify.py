@@ -9,39 +9,9 @@ import sys
 
 from cassandra.cluster import Cluster
 
+from comparison import check, finish, parse, plain, read_lines, read_totals
+
 os.chdir(sys.argv[1])
-faults = 0
-
-
-def check(what, found, wanted):
-    global faults
-    good = found == wanted
-    faults += not good
-    print(f"  {'ok     ' if good else 'WRONG  '}{what}: {found}" + ("" if good else f", but must be {wanted}"))
-
-
-def read_lines(name, end):
-    with open(name, encoding="utf-8", newline="") as file:
-        lines = file.read().split(end)
-    if lines.pop():
-        check(f"last line of {name}", "cut off", "whole")
-    return lines
-
-
-def parse(line):
-    try:
-        return json.loads(line)
-    except ValueError:
-        return None
-
-
-def plain(value):
-    """A value of the result as it was before its double quotes were masked."""
-    if isinstance(value, dict):
-        return {name: plain(member) for name, member in value.items()}
-    if isinstance(value, list):
-        return [plain(member) for member in value]
-    return value.replace("&quot;", '"') if isinstance(value, str) else value
 
 
 def nested_order(order):
@@ -69,8 +39,7 @@ orders = {(row["customer"], row["order"]): row for row in good}  # of two with o
 customers = [json.loads(line) for line in read_lines("customers.json", "\n")]
 
 print("The load of the orders")
-with open("orders.totals.json", encoding="utf-8") as file:
-    totals = json.load(file)
+totals = read_totals("orders")
 check("orders loaded", totals["loaded"], len(good))
 check("orders skipped", totals["skipped"], len(rows) - len(good))
 check("orders discarded", totals["discarded"], 0)
@@ -139,5 +108,4 @@ for document in moved:
         order["options"] = {name: json.dumps(value) if isinstance(value, bool) else value for name, value in options}
 compare("in MongoDB", moved)
 
-print(f"{faults} faults" if faults else "All of it is as it must be.")
-sys.exit(1 if faults else 0)
+finish()

@@ -6,43 +6,22 @@ import sys
 
 import happybase
 
+from comparison import check, finish, plain, read_lines, read_totals
+
 os.chdir(sys.argv[1])
-faults = 0
-
-
-def check(what, found, wanted):
-    global faults
-    good = found == wanted
-    faults += not good
-    print(f"  {'ok     ' if good else 'WRONG  '}{what}: {found}" + ("" if good else f", but must be {wanted}"))
 
 
 def lines(name, end="\n"):
-    with open(name, encoding="utf-8", newline="") as file:
-        return [json.loads(line) for line in file.read().split(end) if line]
-
-
-def totals(name):
-    with open(f"{name}.totals.json", encoding="utf-8") as file:
-        return json.load(file)
-
-
-def plain(value):
-    """A value of the result as it was before its double quotes were masked."""
-    if isinstance(value, dict):
-        return {name: plain(member) for name, member in value.items()}
-    if isinstance(value, list):
-        return [plain(member) for member in value]
-    return value.replace("&quot;", '"') if isinstance(value, str) else value
+    return [json.loads(line) for line in read_lines(name, end)]
 
 
 customers = lines("keyed-customers.json")
 orders = [row for row in lines("keyed-orders.json") if "key" in row]
 
 print("The loads")
-check("customers loaded", totals("customers")["loaded"], len(customers))
-check("orders loaded", totals("orders")["loaded"], len(orders))
-check("orders discarded, one without a key", totals("orders")["discarded"], 1)
+check("customers loaded", read_totals("customers")["loaded"], len(customers))
+check("orders loaded", read_totals("orders")["loaded"], len(orders))
+check("orders discarded, one without a key", read_totals("orders")["discarded"], 1)
 
 print("The database, as another client sees it")
 connection = happybase.Connection("127.0.0.1", int(sys.argv[2]), transport="framed")
@@ -78,5 +57,4 @@ for customer in customers:
 check("nested orders", sum(len(document["orders"]) for document in documents.values()), len(orders))
 check("customers that differ from the files in any value", different[:10] or "none", "none")
 
-print(f"{faults} faults" if faults else "All of it is as it must be.")
-sys.exit(1 if faults else 0)
+finish()

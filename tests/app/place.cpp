@@ -82,10 +82,7 @@ class TMongoPlace : public TPlace {
 class TCassandraPlace : public TPlace {
  public:
   explicit TCassandraPlace(std::uint16_t port, casswire::TCassandraStandIn* standIn = nullptr)
-      : TPlace(makeCassandraConnector()), port_(port), standIn_(standIn) {
-    if (!standIn_)
-      execute("create keyspace shop with replication = {'class': 'SimpleStrategy', 'replication_factor': 1}");
-  }
+      : TPlace(makeCassandraConnector()), port_(port), standIn_(standIn) {}
 
   [[nodiscard]] TProjectSide side(const std::string& /*name*/) const override {
     return {dbType(), record("Cassandra", port_, {{"user", ""}, {"password", ""}})};
@@ -93,6 +90,9 @@ class TCassandraPlace : public TPlace {
   void make(const std::string& name) override {
     const auto columns = isPeople(name) ? people() : items();
     if (standIn_) return standIn_->add("shop." + name, columns);
+    execute(
+        "create keyspace if not exists shop with replication = {'class': 'SimpleStrategy', "
+        "'replication_factor': 1}");
     std::string cql = "create table shop." + name + " (", keys;
     for (const casswire::TColumn& column : columns) {
       cql += '"' + column.name + "\" " + column.type + ", ";

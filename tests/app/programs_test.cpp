@@ -124,8 +124,9 @@ TEST_F(Programs, RunTellsItsTotals) {
   const TValue result = parseJson(json.out);
   EXPECT_EQ(*result.asObject().find("loaded"), TValue(2));
   EXPECT_EQ(*result.asObject().find("processed"), TValue(2));
-  EXPECT_EQ(toJson(*result.asObject().find("mappings")),
-            R"([{"source":"rows","target":"file","loaded":2,"discarded":0,"skipped":0,"processed":2,"complete":true}])");
+  EXPECT_EQ(
+      toJson(*result.asObject().find("mappings")),
+      R"([{"source":"rows","target":"file","loaded":2,"discarded":0,"skipped":0,"processed":2,"complete":true}])");
   EXPECT_EQ(readBytes(folder.file("other.json")), loadedFile);
 }
 

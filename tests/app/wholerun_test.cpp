@@ -1,8 +1,12 @@
 // hollowmere-cli with every store: from each to each, and when a server fails it.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
+#include <csignal>
 #include <functional>
-#include <map>
+#include <stdexcept>
+#include <thread>
 
 #include "app/place.h"
 #include "app/program.h"
@@ -229,6 +233,237 @@ TEST_F(EveryWay, Servers) {
   const auto cassandraPlace = makeCassandraPlace(cassandra.port());
   const auto hbasePlace = makeHBasePlace(hbase.port());
   loadAll({files.get(), mongoPlace.get(), cassandraPlace.get(), hbasePlace.get()});
+}
+
+/// A server with many items that fails in the middle of a load.
+struct TVictim {
+  virtual ~TVictim() = default;
+  std::unique_ptr<TPlace> place;
+  virtual int calls() = 0;  ///< of the methods that move rows
+  virtual void die() = 0;
+  virtual void fallSilent() = 0;  ///< a few calls from now
+  virtual std::size_t items() = 0;
+};
+
+struct TCassandraVictim : TVictim {
+  TCassandraVictim() {
+    server.setDelay(std::chrono::milliseconds(1));
+    place = makeCassandraPlace(server);
+  }
+  int calls() override { return server.calls(query) + server.calls(prepared); }
+  void die() override { server.stop(); }
+  void fallSilent() override {
+    for (const char* method : {query, prepared}) server.fail(method, casswire::TFault::Silence, 8, 1000);
+  }
+  std::size_t items() override { return server.tables().at("shop.items").rows.size(); }
+
+  static constexpr char query[] = "execute_cql3_query";
+  static constexpr char prepared[] = "execute_prepared_cql3_query";
+  casswire::TCassandraStandIn server;
+};
+
+struct THBaseVictim : TVictim {
+  THBaseVictim() { place = makeHBasePlace(server.port()); }
+  int calls() override {
+    return static_cast<int>(server.server().calls(read) + server.server().calls(write));
+  }
+  void die() override { server.server().stop(); }
+  void fallSilent() override {
+    for (const char* method : {read, write}) server.server().onCall(method, 8, thriftwire::TFault::silence);
+  }
+  std::size_t items() override { return server.tables().rowCount("items"); }
+
+  static constexpr char read[] = "scannerGetList";
+  static constexpr char write[] = "mutateRows";
+  hbasewire::THBaseStandIn server{{.delay = std::chrono::milliseconds(1)}};
+};
+
+class BadServer : public WholeRun, public testing::WithParamInterface<const char*> {
+ protected:
+  static constexpr int many = 2000;
+
+  void SetUp() override {
+    WholeRun::SetUp();
+    project.fetchLimit = project.bulkInsert = 20;
+    std::string lines;
+    for (int i = 1; i <= many; ++i) {
+      const std::string number = std::to_string(i);
+      lines += R"({"_id":")" + number + R"(","owner":)" + number + R"(,"what":"w"})" + '\n';
+    }
+    writeBytes(folder.file("items.json"), lines);
+    if (GetParam() == std::string("HBase"))
+      victim = std::make_unique<THBaseVictim>();
+    else
+      victim = std::make_unique<TCassandraVictim>();
+  }
+
+  /// Out of the victim into another database, or out of a file into the victim.
+  void load(bool fromVictim) {
+    if (fromVictim) {
+      load(*file, *victim->place);
+      ASSERT_EQ(run().code, 0);
+      load(*victim->place, *other);
+    } else {
+      load(*file, *victim->place);
+    }
+  }
+
+  /// Runs until the victim has been asked that often, then lets it happen. Gives the mapping's totals, which
+  /// the log must have, too.
+  TObject runUntil(int asked, const std::function<void(TProgramRun&)>& happen) {
+    writeBytes(project.logFile, {});
+    writeBytes(project.discFile, {});
+    seal();
+    asked += victim->calls();
+    TProgramRun process(folder, HOLLOWMERE_CLI, {"run", "--json", "--quiet", projectFile});
+    while (victim->calls() < asked && !(code = process.wait(std::chrono::milliseconds(1)))) continue;
+    if (code) throw std::runtime_error("ended too early: " + process.err());
+    happen(process);
+    code = process.wait(std::chrono::seconds(60));
+    const TValue result = parseJson(process.out());
+    TObject totals = result.asObject().find("mappings")->asList().at(0).asObject();
+    for (const std::string name : {"loaded", "discarded", "skipped", "processed"})
+      EXPECT_TRUE(
+          logged("\nTotal " + name + " rows/documents " + std::to_string(number(totals, name)) + "\n"))
+          << log();
+    return totals;
+  }
+  static std::int64_t number(const TObject& totals, const std::string& name) {
+    return totals.find(name)->asInt();
+  }
+  static bool complete(const TObject& totals) { return totals.find("complete")->asBool(); }
+
+  void expectCancelled() {
+    // One thread, and no counting before it: it is the load that meets the silence.
+    project.degree = 1;
+    project.skipCount = true;
+    victim->fallSilent();
+    const TObject totals = runUntil(8, [](TProgramRun& process) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+      process.signal(SIGINT);
+    });
+    EXPECT_EQ(code, 130);
+    EXPECT_FALSE(complete(totals));
+    EXPECT_FALSE(logged("General error occurred: ")) << log();
+    EXPECT_TRUE(logged("Thread#1: Cancelled loading items -> items\n")) << log();
+    EXPECT_TRUE(logged("Thread#1: Load operation cancelled at ")) << log();
+    const std::string discarded = readBytes(project.discFile);
+    EXPECT_EQ(number(totals, "discarded"), std::count(discarded.begin(), discarded.end(), '\n'));
+  }
+
+  mongowire::TMongoStandIn mongo;
+  std::unique_ptr<TVictim> victim;
+  std::unique_ptr<TPlace> file = makeFilePlace(folder);
+  std::unique_ptr<TPlace> other = makeMongoPlace(mongo.port());
+  std::optional<int> code;
+
+ private:
+  void load(const TPlace& from, TPlace& to) {
+    to.make("items");
+    connect(from, "items", to, "items");
+    map(from, "items", to, "items");
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Stores, BadServer, testing::Values("Cassandra", "HBase"),
+                         [](const auto& store) { return std::string(store.param); });
+
+TEST_P(BadServer, ASourceThatDiesIsToldOfAndWhatWasReadIsCounted) {
+  load(true);
+  const TObject totals = runUntil(20, [&](TProgramRun&) { victim->die(); });
+  EXPECT_EQ(code, 0);
+  EXPECT_FALSE(complete(totals));
+  EXPECT_TRUE(logged("General error occurred: ")) << log();
+  EXPECT_LT(number(totals, "loaded"), many);
+  EXPECT_EQ(number(totals, "loaded"), std::ssize(other->content("items")));
+  EXPECT_EQ(number(totals, "processed"), number(totals, "loaded"));
+  EXPECT_EQ(readBytes(project.discFile), "");
+}
+
+TEST_P(BadServer, ATargetThatDiesLosesNothingUnsaid) {
+  load(false);
+  const TObject totals = runUntil(20, [&](TProgramRun&) { victim->die(); });
+  EXPECT_EQ(code, 0);
+  EXPECT_TRUE(complete(totals)) << "the source was read to its end";
+  EXPECT_GT(number(totals, "loaded"), 0);
+  EXPECT_LE(number(totals, "loaded"), victim->items());
+  EXPECT_EQ(number(totals, "loaded") + number(totals, "discarded"), many);
+  const std::string discarded = readBytes(project.discFile);
+  EXPECT_EQ(number(totals, "discarded"), std::count(discarded.begin(), discarded.end(), '\n'));
+}
+
+TEST_P(BadServer, AStopWhileASilentSourceIsAwaitedCancels) {
+  load(true);
+  expectCancelled();
+}
+
+TEST_P(BadServer, AStopWhileASilentTargetIsAwaitedCancels) {
+  load(false);
+  expectCancelled();
+}
+
+TEST_F(WholeRun, AQueryThatIsReadAtOnceIsRemarkedUpon) {
+  casswire::TCassandraStandIn server;
+  const auto from = makeCassandraPlace(server), to = makeFilePlace(folder);
+  from->make("items");
+  server.tables().at("shop.items").put({std::string("\0\0\0\1", 4), "1-1", "pen"});
+  connect(*from, "items", *to, "counted");
+  TDataSource counting = from->source("items");
+  counting.definition.asObject().set("query", "select count(*) from items");
+  project.dataSources = {counting};
+  project.dataTargets = {{"file", "counted", {}}};
+  project.mapping = {{"file", "items", "Data Source (JSON List)", {{"n", "count", "Number", {}}}}};
+  ASSERT_EQ(run().code, 0);
+  EXPECT_EQ(readBytes(folder.file("counted.json")), "{\"n\":1.0}\r");
+  EXPECT_TRUE(logged(": Thread#1: The query is read at once, with all its rows in memory: ")) << log();
+}
+
+TEST_F(WholeRun, CheckSaysInALineWhatIsWrong) {
+  mongowire::TMongoStandIn mongo;
+  casswire::TCassandraStandIn cassandra, locked;
+  hbasewire::THBaseStandIn hbase, unframed({.framed = false});
+  locked.setPassword("right");
+  const auto file = makeFilePlace(folder);
+  writeBytes(folder.file("people.json"), "{}");
+  struct TWrong {
+    std::unique_ptr<TPlace> place;
+    const char* user;
+    const char* says;
+  };
+  const auto cassandraAt = [](std::uint16_t port) { return makeCassandraPlace(port); };
+  std::vector<TWrong> table;
+  table.push_back({cassandraAt(1), "", "127.0.0.1:1 refused the connection"});
+  table.push_back({makeCassandraPlace(locked), "", "You must supply valid username and password"});
+  table.push_back({makeCassandraPlace(locked), "ann", "Username and/or password are incorrect"});
+  table.push_back({cassandraAt(unframed.port()), "", "without frames"});
+  table.push_back({cassandraAt(hbase.port()), "", "method"});
+  table.push_back({cassandraAt(mongo.port()), "", "closed the connection without an answer"});
+  table.push_back({makeHBasePlace(1), "", "127.0.0.1:1 refused the connection"});
+  table.push_back({makeHBasePlace(unframed.port()), "", "framed transport"});
+  table.push_back({makeHBasePlace(cassandra.port()), "", "it is not HBase's first Thrift service"});
+  table.push_back({makeHBasePlace(mongo.port()), "", "closed the connection without an answer"});
+  bool asSource = false;
+  for (const TWrong& wrong : table) {
+    asSource = !asSource;
+    SCOPED_TRACE(wrong.place->dbType() + ": " + wrong.says);
+    const TPlace& from = asSource ? *wrong.place : *file;
+    const TPlace& to = asSource ? *file : *wrong.place;
+    connect(from, "people", to, "people");
+    map(from, "people", to, "people");
+    TObject& connection = (asSource ? project.source : project.target).connection.asObject();
+    connection.set("user", wrong.user);
+    connection.set("password", "gh0st-word");
+    connection.set("timeout", 1);
+    seal();
+    const TEnd end = cli({"check", projectFile});
+    EXPECT_EQ(end.code, 1);
+    const std::string begin =
+        "hollowmere-cli: Unable to connect to " + std::string(asSource ? "source" : "target") + " database: ";
+    EXPECT_TRUE(end.err.starts_with(begin)) << end.err;
+    EXPECT_NE(end.err.find(wrong.says), std::string::npos) << end.err;
+    EXPECT_EQ(end.err.find('\n'), end.err.size() - 1) << end.err;
+    EXPECT_EQ((end.err + log()).find("gh0st"), std::string::npos);
+  }
 }
 
 }  // namespace
