@@ -1,6 +1,5 @@
 // A Cassandra server that fails in the middle, of both schema dialects.
 #include <chrono>
-#include <functional>
 #include <set>
 #include <thread>
 
@@ -205,7 +204,7 @@ TEST_P(CassandraFaults, FewStatementsCarryManyRows) {
     const char* what;
     std::int64_t bulk;
     int most;  ///< statements for 60 rows
-    std::function<TObject(int)> row;
+    TObject (*row)(int);
   };
   const std::vector<TCase> cases = {
       {"rows of 700 bytes: five a batch", 100, 13,
