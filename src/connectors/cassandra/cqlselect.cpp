@@ -45,13 +45,11 @@ class TFaults {
     if (tokens_.empty()) return "Invalid CQL query: it is empty";
     const TCqlToken& begin = tokens_[0];
     if (!begin.isWord("select"))
-      return fault("a data source is a SELECT statement, and this one begins with \"" +
-                       std::string(begin.text.substr(0, 30)) + "\"",
-                   begin);
+      return fault("a data source is a SELECT statement, and this one begins with " + quoted(begin), begin);
     for (at_ = 0; at_ < tokens_.size(); ++at_)
       if (std::string found = look(tokens_[at_]); !found.empty()) return found;
     if (!open_.empty())
-      return fault("the bracket \"" + std::string(open_.back()->text) + "\" is not closed", *open_.back());
+      return fault("the bracket " + quoted(*open_.back()) + " is not closed", *open_.back());
     return hasFrom_ ? "" : "Invalid CQL query: it names no table behind FROM";
   }
 
@@ -59,10 +57,20 @@ class TFaults {
   [[nodiscard]] std::string fault(const std::string& what, const TCqlToken& token) const {
     const std::string_view before = cql_.substr(0, token.begin);
     const auto line = 1 + std::count(before.begin(), before.end(), '\n');
-    const std::size_t column = token.begin - (before.rfind('\n') + 1) + 1;
+    const std::string_view onLine = before.substr(before.rfind('\n') + 1);
+    const auto column = 1 + std::count_if(onLine.begin(), onLine.end(), startsCharacter);
     return "Invalid CQL query: " + what + " (line " + std::to_string(line) + ", column " +
            std::to_string(column) + ")";
   }
+
+  /// The token's beginning, no character cut.
+  [[nodiscard]] std::string quoted(const TCqlToken& token) const {
+    std::size_t to = token.begin + std::min<std::size_t>(token.text.size(), 30);
+    while (to < cql_.size() && !startsCharacter(cql_[to])) ++to;
+    return '"' + std::string(cql_.substr(token.begin, to - token.begin)) + '"';
+  }
+
+  static bool startsCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }
 
   std::string look(const TCqlToken& token) {
     using TKind = TCqlToken::TKind;
@@ -97,13 +105,13 @@ class TFaults {
     const std::string name = token.parameter();
     const bool bad =
         name.empty() || name.starts_with('.') || name.ends_with('.') || name.find("..") != std::string::npos;
-    return bad ? fault("\"" + std::string(token.text) + "\" is no name of a parameter", token) : "";
+    return bad ? fault(quoted(token) + " is no name of a parameter", token) : "";
   }
 
   std::string close(const TCqlToken& token) {
     const char wanted = openings[closings.find(token.text[0])];
     if (open_.empty() || !open_.back()->isSymbol(wanted))
-      return fault("the bracket \"" + std::string(token.text) + "\" closes none", token);
+      return fault("the bracket " + quoted(token) + " closes none", token);
     open_.pop_back();
     return {};
   }
@@ -118,9 +126,7 @@ class TFaults {
   [[nodiscard]] std::string lookBehind() const {
     for (std::size_t i = at_ + 1; i < tokens_.size(); ++i)
       if (!tokens_[i].isSymbol(';'))
-        return fault(
-            "\"" + std::string(tokens_[i].text.substr(0, 30)) + "\" stands behind the statement's end",
-            tokens_[i]);
+        return fault(quoted(tokens_[i]) + " stands behind the statement's end", tokens_[i]);
     return {};
   }
 
