@@ -148,20 +148,8 @@ void THBaseWriter::resolve(THBaseFault fault, TPending& batch, TOutcomeSink& sin
     }
   }
   if (!isHopeless(fault)) return takeApart(batch, sink);
-  const std::string reason = reasonOf(fault);
+  const std::string reason = refusalText(fault, batch.rows.bytes());
   for (const TObject& document : batch.documents) sink.refused(toJson(document), reason);
-}
-
-/// A server goes on trying to write into a table that was disabled for longer than an answer is waited for.
-std::string THBaseWriter::reasonOf(const THBaseFault& fault) {
-  if (fault.kind() == THBaseFaultKind::TimedOut && !client_->stopped()) {
-    try {
-      if (!client_->isEnabled(table_)) return disabledText();
-    } catch (const THBaseFault&) {
-      return fault.what();
-    }
-  }
-  return fault.what();
 }
 
 void THBaseWriter::takeApart(const TPending& batch, TOutcomeSink& sink) {
@@ -177,15 +165,27 @@ void THBaseWriter::takeApart(const TPending& batch, TOutcomeSink& sink) {
       put(single_);
       sink.stored(1);
     } catch (const THBaseFault& fault) {
-      if (isHopeless(fault)) hopeless = reasonOf(fault);
-      sink.refused(toJson(document), hopeless.empty() ? refusalText(fault, single_.bytes()) : hopeless);
+      const std::string reason = refusalText(fault, single_.bytes());
+      if (isHopeless(fault)) hopeless = reason;
+      sink.refused(toJson(document), reason);
     }
   }
 }
 
 std::string THBaseWriter::disabledText() const { return "The table " + table_ + " is disabled."; }
 
-std::string THBaseWriter::refusalText(const THBaseFault& fault, std::size_t bytes) const {
+/// A server goes on trying to write into a table that was disabled for longer than an answer is waited for.
+bool THBaseWriter::foundDisabled() {
+  try {
+    return !client_->isEnabled(table_);
+  } catch (const THBaseFault&) {
+    return false;
+  }
+}
+
+std::string THBaseWriter::refusalText(const THBaseFault& fault, std::size_t bytes) {
+  if (fault.kind() == THBaseFaultKind::TimedOut && !client_->stopped() && foundDisabled())
+    return disabledText();
   if (fault.kind() != THBaseFaultKind::Lost || bytes <= batchBytes) return fault.what();
   return std::string(fault.what()) + " The row is " + std::to_string(bytes) + " bytes long; a server takes " +
          std::to_string(frameBytes) +

@@ -37,9 +37,9 @@ class THBaseWriter : public TTargetWriter {
   void settle(TOutcomeSink& sink);
   void resolve(THBaseFault fault, TPending& batch, TOutcomeSink& sink);
   void takeApart(const TPending& batch, TOutcomeSink& sink);
-  std::string reasonOf(const THBaseFault& fault);
+  bool foundDisabled();
   [[nodiscard]] std::string disabledText() const;
-  [[nodiscard]] std::string refusalText(const THBaseFault& fault, std::size_t bytes) const;
+  std::string refusalText(const THBaseFault& fault, std::size_t bytes);
 
   std::unique_ptr<THBaseClient> client_;
   std::size_t batchSize_;
