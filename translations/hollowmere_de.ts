@@ -840,6 +840,10 @@
         <translation>Zieltyp</translation>
     </message>
     <message>
+        <source>Row Key</source>
+        <translation>Zeilenschlüssel</translation>
+    </message>
+    <message>
         <source>Target database connection is not configured.</source>
         <translation type="unfinished"></translation>
     </message>
