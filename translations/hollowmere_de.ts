@@ -840,6 +840,10 @@
         <translation>Zieltyp</translation>
     </message>
     <message>
+        <source>Answer Time-Out (Seconds)</source>
+        <translation>Zeit für eine Antwort (Sekunden)</translation>
+    </message>
+    <message>
         <source>Row Key</source>
         <translation>Zeilenschlüssel</translation>
     </message>
