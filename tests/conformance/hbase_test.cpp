@@ -1,5 +1,6 @@
 // What is HBase's own.
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <set>
 #include <thread>
@@ -649,7 +650,7 @@ TEST(HBaseFilterText, LimitsTheKeysToBeLookedAt) {
         "Own() AND PrefixFilter('a')", "PrefixFilter('a') AND (ColumnCountGetFilter(1) OR KeyOnlyFilter())"})
     EXPECT_EQ(limits(open), " ") << open;
   EXPECT_EQ(limits("PageFilter(1) AND PrefixFilter('a')"), "a b");
-  EXPECT_EQ(limits("RowFilter(=, 'binary:')"), std::string(" \0", 2)) << "no row has an empty key";
+  EXPECT_EQ(limits("RowFilter(=, 'binary:')"), std::string("\0 \0", 3)) << "no row has an empty key";
   for (const auto& [text, alone] :
        {std::pair("PageFilter(1)", false), std::pair("KeyOnlyFilter() OR WHILE KeyOnlyFilter()", false),
         std::pair("SKIP ColumnCountGetFilter(1)", false), std::pair("Own()", false),
@@ -683,6 +684,46 @@ TEST(HBaseFilterText, ParametersCannotBreakOut) {
         std::pair("PrefixFilter('c-:\"nul\"')", "PrefixFilter('c-')"),
         std::pair("PrefixFilter('it''s :\"n\"')", "PrefixFilter('it''s 5')")})
     EXPECT_EQ(bindHBaseFilter(text, parent), bound) << text;
+}
+
+/// A table of four regions, read whole, in shares, and over a pause in which the server forgets the scanner.
+TEST(HBaseServer, RegionsAndAScannerThatExpired) {
+  const std::string table = freshTable(), port = std::to_string(sharedHBase().port());
+  makeHBaseTable(sharedHBase().port(), table, {"cf"});
+  TStoreOptions options = optionsFor(hbaseRecord(sharedHBase().port()));
+  options.fetchLimit = 7;
+  THBaseClient client(thriftOptions(options, "HBase", 9090));
+  const std::string split = HOLLOWMERE_TESTS_DIR "/servers/hbase split ";
+  ASSERT_EQ(std::system((split + port + " " + table + " r120 r121 r140").c_str()), 0);
+  std::string all;
+  for (int i = 101; i <= 160; ++i) {
+    THBaseBatch batch;
+    batch.beginRow("r" + std::to_string(i));
+    batch.put("cf:a", i % 2 == 0 ? "even" : "odd");
+    client.mutateRow(table, batch);
+    all += "r" + std::to_string(i) + " ";
+  }
+  std::string borders;
+  for (const THBaseRegion& region : client.regions(table)) borders += region.from + "-" + region.before + " ";
+  EXPECT_EQ(borders, "-r120 r120-r121 r121-r140 r140- ");
+
+  const auto connector = makeHBaseConnector();
+  TDataSource source = hbaseSource(table);
+  EXPECT_EQ(connector->count(options, hbaseSource(table, "ValueFilter(=, 'binary:odd')")), 30);
+  for (const int degree : {1, 3, 8}) {
+    source.notes = connector->makeNotes();
+    source.count = connector->count(options, source);
+    EXPECT_EQ(source.count, 60);
+    std::string found;
+    for (int number = 1; number <= degree; ++number) {
+      const std::int64_t rows = source.count / degree, start = (number - 1) * rows;
+      const auto reader = connector->connectSource(options);
+      reader->openRoot(source, {number, degree, start, number == degree ? source.count - start : rows});
+      if (degree == 1) std::this_thread::sleep_for(std::chrono::milliseconds(2000 * hbaseLeaseSeconds + 500));
+      while (const auto row = reader->next()) found += textOf(*row) + " ";
+    }
+    EXPECT_EQ(found, all);
+  }
 }
 
 /// What an independent client finds is what our writer was given.

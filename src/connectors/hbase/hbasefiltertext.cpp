@@ -352,7 +352,8 @@ THBaseKeyLimits simpleLimits(const THBaseFilter& filter) {
   const std::string& text = filter.arguments[1].text;
   if (text.starts_with(exact)) {
     const std::string key = text.substr(exact.size());
-    return {key, keyBehind(key)};
+    // No row has the empty key, and no row is asked for.
+    return {key.empty() ? keyBehind(key) : key, keyBehind(key)};
   }
   if (text.starts_with(beginning)) {
     const std::string prefix = text.substr(beginning.size());

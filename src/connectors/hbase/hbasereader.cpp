@@ -149,7 +149,7 @@ std::int64_t hbaseFetchLimit(const TStoreOptions& options) {
 std::string scanFaultText(const THBaseFault& fault, const std::string& filter) {
   if (fault.kind() == THBaseFaultKind::Unnamed && !filter.empty()) return refusedFilterText(filter);
   if (fault.kind() != THBaseFaultKind::TimedOut) return fault.what();
-  return std::string(fault.what()) + " \"timeout\" in the connection record sets another time.";
+  return std::string(fault.what()) + " The connection can have another answer time-out.";
 }
 
 }  // namespace hollowmere
