@@ -840,6 +840,14 @@
         <translation>Zieltyp</translation>
     </message>
     <message>
+        <source>Answer Time-Out (Seconds)</source>
+        <translation>Zeit für eine Antwort (Sekunden)</translation>
+    </message>
+    <message>
+        <source>Row Key</source>
+        <translation>Zeilenschlüssel</translation>
+    </message>
+    <message>
         <source>Target database connection is not configured.</source>
         <translation>Die Verbindung zur Zieldatenbank ist nicht eingerichtet.</translation>
     </message>

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -11,12 +12,23 @@
 
 namespace hollowmere {
 
+/// What a store finds out about a source while it counts it, for the threads that read it in the same run.
+/// Only the store knows what it is. Safe from every thread.
+class TSourceNotes {
+ public:
+  TSourceNotes() = default;
+  TSourceNotes(const TSourceNotes&) = delete;
+  TSourceNotes& operator=(const TSourceNotes&) = delete;
+  virtual ~TSourceNotes() = default;
+};
+
 /// One named query of a project. The definition is the store's query object, or plain text for a store
 /// whose sources are files.
 struct TDataSource {
   std::string name;
   TValue definition;
-  std::int64_t count = 0;  ///< rows, or bytes where the store counts bytes; 0 when not counted
+  std::int64_t count = 0;                 ///< rows, or bytes where the store counts bytes; 0 when not counted
+  std::shared_ptr<TSourceNotes> notes{};  ///< of this run; null: none
 
   bool operator==(const TDataSource&) const = default;
 };

@@ -115,6 +115,8 @@ class TStoreConnector {
     return {};
   }
 
+  /// Where count() leaves what the readers of the same run can use, as TDataSource::notes; null: nowhere.
+  [[nodiscard]] virtual std::shared_ptr<TSourceNotes> makeNotes() const { return {}; }
   /// Rows (or bytes) of a root data source. Throws TStoreError.
   virtual std::int64_t count(const TStoreOptions& options, const TDataSource& source) const = 0;
   /// Whether a definition can be a query of this store, as far as its text alone tells: empty when it can,

@@ -271,6 +271,13 @@ bool TProjectEditor::carriesKey(const TNodePath& path) const {
   return project_.target.dbType == dbtype::couchbase && equalIgnoringCase(node->target, "id");
 }
 
+bool TProjectEditor::isRowKey(const TNodePath& path, TSide side) const {
+  if (side == TSide::Target) return project_.target.dbType == dbtype::hbase && carriesKey(path);
+  const TMapNode* node = nodeAt(project_.mapping, path);
+  return node && path.size() > 1 && project_.source.dbType == dbtype::hbase &&
+         equalIgnoringCase(node->source, "rowkey");
+}
+
 std::string TProjectEditor::deleteNode(const TNodePath& path) {
   if (!nodeAt(project_.mapping, path)) return edittexts::noNode;
   if (carriesKey(path)) return edittexts::keyField + nodeAt(project_.mapping, path)->target;

@@ -66,6 +66,8 @@ class TProjectEditor {
   std::string setSource(const TNodePath& path, const std::string& source);
   std::string setType(const TNodePath& path, const std::string& type);
   [[nodiscard]] const TNodePath& current() const { return current_; }
+  /// Whether the target or the source of a node is the row key of HBase, which people know as "Row Key".
+  [[nodiscard]] bool isRowKey(const TNodePath& path, TSide side) const;
 
   [[nodiscard]] bool canUndo() const { return !undo_.empty(); }
   [[nodiscard]] bool canRedo() const { return !redo_.empty(); }

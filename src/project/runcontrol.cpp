@@ -113,6 +113,7 @@ void TRunControl::countSources() {
   options.stop = &stopChecks_;
   for (TDataSource& source : project_.dataSources) {
     source.count = 0;
+    source.notes = store->makeNotes();
     const auto mappings = std::count_if(project_.mapping.begin(), project_.mapping.end(),
                                         [&](const TMapNode& root) { return root.source == source.name; });
     if (mappings == 0) continue;

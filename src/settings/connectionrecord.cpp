@@ -42,7 +42,10 @@ constexpr std::array<TConnectionField, 7> mongodbFields = {{
     {"authdb", "Authentication Database"},
 }};
 
-constexpr std::array<TConnectionField, 7> cassandraFields = {{
+/// Beyond what these stores' records always had.
+constexpr TConnectionField answerTime = {"timeout", "Answer Time-Out (Seconds)", Number, "", {}, {}, true};
+
+constexpr std::array<TConnectionField, 8> cassandraFields = {{
     {"host", "Host", Text, "", {}, "Please specify Cassandra database host."},
     {"port", "Port", Number, "9160"},
     {"user", "User name"},
@@ -50,13 +53,15 @@ constexpr std::array<TConnectionField, 7> cassandraFields = {{
     {"encoding", "Encoding", Choice, "Default", encodings},
     {"readlevel", "Read Consistency Level", Choice, "ONE", readLevels},
     {"writelevel", "Write Consistency Level", Choice, "ANY", writeLevels},
+    answerTime,
 }};
 
-constexpr std::array<TConnectionField, 4> hbaseFields = {{
+constexpr std::array<TConnectionField, 5> hbaseFields = {{
     {"host", "Host", Text, "", {}, "Please specify HBase database host."},
     {"port", "Port", Number, "9090"},
     {"infoport", "Info Port", Number, "60010"},
     {"encoding", "Encoding", Choice, "Default", encodings},
+    answerTime,
 }};
 
 constexpr std::array<TConnectionField, 10> couchdbFields = {{
@@ -203,6 +208,7 @@ ConnectionConfig buildConnection(const TConnectionType& type, const TFieldValues
   record.add("dbtype", type.dbType);
   for (const TConnectionField& field : type.fields) {
     std::string text = valueOf(values, field.member);
+    if (field.omitted && text.empty()) continue;
     const bool number = field.kind == Number;
     record.add(std::string(field.member), number ? TValue(portOf(text)) : TValue(std::move(text)));
   }

@@ -44,6 +44,7 @@ struct TConnectionField {
   std::string_view initial = {};  ///< of a new connection; a number in digits
   std::span<const std::string_view> choices = {};
   std::string_view required = {};  ///< the message when it is empty; empty: optional
+  bool omitted = false;            ///< from the record when it is empty
 };
 
 /// One kind of store as the connection dialog knows it.

@@ -273,7 +273,7 @@ void makeHBaseTable(std::uint16_t port, const std::string& table, const std::vec
 }
 
 const TLocalServer& sharedHBase() {
-  static const TLocalServer server({}, "hbase");
+  static const TLocalServer server("--lease " + std::to_string(hbaseLeaseSeconds), "hbase");
   return server;
 }
 

@@ -75,7 +75,8 @@ TValue hbaseRecord(std::uint16_t port);
 TDataSource hbaseSource(const std::string& table, const std::string& query = {});
 /// Makes a table with those families.
 void makeHBaseTable(std::uint16_t port, const std::string& table, const std::vector<std::string>& families);
-/// As sharedServer(): a real HBase.
+/// As sharedServer(): a real HBase. It forgets a scanner that is not used for twice its lease.
+inline constexpr int hbaseLeaseSeconds = 3;
 const TLocalServer& sharedHBase();
 
 /// A MongoDB connection record.

@@ -1,6 +1,8 @@
 // What is HBase's own.
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
+#include <set>
 #include <thread>
 
 #include "conformance/bed.h"
@@ -32,6 +34,15 @@ std::string textOf(const TObject& row) {
 }
 
 /// A server with a table of its own: the real one or the stand-in.
+std::string filterFault(const std::string& text) {
+  try {
+    parseHBaseFilter(text);
+  } catch (const THBaseFilterError& error) {
+    return error.what();
+  }
+  return {};
+}
+
 class HBase : public testing::TestWithParam<bool> {
  protected:
   HBase() {
@@ -69,6 +80,15 @@ class HBase : public testing::TestWithParam<bool> {
     std::string found;
     while (const auto row = reader->next()) found += row->find("rowkey")->asText() + " ";
     return found;
+  }
+
+  /// All of the table.
+  std::vector<THBaseRow> rowsOf(THBaseClient& client) const {
+    const THBaseScanner scanner = client.openScanner({table, "", "", "", true}, 1000);
+    std::vector<THBaseRow> rows;
+    client.nextRows(scanner, 1000, table, rows);
+    client.closeScanner(scanner);
+    return rows;
   }
 
   void fillNumbered(int count) {
@@ -190,15 +210,77 @@ TEST_P(HBase, FiltersLimitTheRows) {
 TEST_P(HBase, SharesBeginAndEndAtTheirRows) {
   fillNumbered(12);
   EXPECT_EQ(keys({}, {1, 2, 0, 2}), "r101 r102 ");
-  EXPECT_EQ(keys({}, {2, 2, 4, 3}), "r105 r106 r107 ");
+  EXPECT_EQ(keys({}, {2, 3, 4, 3}), "r105 r106 r107 ");
   EXPECT_EQ(keys("ValueFilter(=, 'binary:x')", {2, 2, 4, 8}), "r105 r106 r107 r108 r109 r110 r111 r112 ");
   // What cannot be begun anywhere else is read from its beginning.
   EXPECT_EQ(keys("PageFilter(7)", {2, 2, 4, 8}), "r105 r106 r107 ");
-  EXPECT_EQ(faultOf(TStoreErrorKind::DataSource,
-                    [&] {
-                      keys({}, {2, 2, 12, 3});
-                    }),
+  // A thread whose rows are gone goes on with the next source.
+  EXPECT_EQ(keys({}, {2, 2, 12, 3}), "");
+}
+
+TEST_P(HBase, SharesAreDisjointWhateverComesAndGoes) {
+  for (const int degree : {1, 2, 3, 7}) {
+    SCOPED_TRACE(degree);
+    fillNumbered(40);
+    sink = {};
+    TDataSource source = hbaseSource(table);
+    source.notes = connector->makeNotes();
+    source.count = connector->count(options(), source);
+    THBaseClient client(thriftOptions(options(), "HBase", 9090));
+    const auto insert = [&](const std::string& key) {
+      THBaseBatch batch;
+      batch.beginRow(key);
+      batch.put("cf:a", "1");
+      client.mutateRow(table, batch);
+    };
+    std::multiset<std::string> found;
+    std::vector<std::unique_ptr<TSourceReader>> readers;
+    // The threads come one by one, and between them half of the rows go, from the front, and others come.
+    for (int number = degree; number >= 1; --number) {
+      const std::int64_t rows = source.count / degree, start = (number - 1) * rows;
+      readers.push_back(connector->connectSource(options()));
+      readers.back()->openRoot(source,
+                               {number, degree, start, number == degree ? source.count - start : rows});
+      for (int i = 0; i < 20 / degree; ++i) {
+        const int gone = 101 + 2 * ((degree - number) * (20 / degree) + i);
+        client.deleteRow(table, "r" + std::to_string(gone));
+        insert("r" + std::to_string(gone) + "new");
+        insert("q" + std::to_string(gone) + "new");
+        insert("s" + std::to_string(gone) + "new");
+      }
+    }
+    for (const auto& reader : readers)
+      while (const auto row = reader->next()) found.insert(row->find("rowkey")->asText());
+    for (int i = 102; i <= 140; i += 2) EXPECT_EQ(found.count("r" + std::to_string(i)), 1U) << i;
+    for (const std::string& key : found) EXPECT_EQ(found.count(key), 1U) << key;
+    for (const THBaseRow& row : rowsOf(client)) client.deleteRow(table, row.key);
+  }
+}
+
+TEST_P(HBase, KeysOfTheGreatestLength) {
+  const std::string key(32767, 'k');
+  // A server cannot find out by such a key where the table's only region is; it must know already.
+  write({TObject{{"rowkey", "l"}, {"cf:a", "1"}}});
+  write({TObject{{"rowkey", key}, {"cf:a", "1"}}});
+  EXPECT_EQ(keys("RowFilter(=, 'binary:" + key + "')"), key + " ");
+  EXPECT_EQ(keys({}, {1, 2, 0, 1}), key + " ");
+  // Its rows are gone: it begins behind the last key, which has none behind it that is longer.
+  THBaseClient(thriftOptions(options(), "HBase", 9090)).deleteRow(table, "l");
+  EXPECT_EQ(keys({}, {2, 2, 1, 1}), "");
+}
+
+TEST_P(HBase, AFilterThatSeesAllRowsIsNotCutShort) {
+  if (!GetParam()) return;  // the stand-in has no WHILE
+  write({TObject{{"rowkey", "ab"}, {"cf:a", "1"}}, TObject{{"rowkey", "ac"}, {"cf:a", "2"}},
+         TObject{{"rowkey", "b1"}, {"cf:a", "3"}}, TObject{{"rowkey", "b2"}, {"cf:a", "4"}, {"cf:b", "5"}},
+         TObject{{"rowkey", "b3"}, {"cf:a", "6"}}});
+  const auto none = [&](const std::string& query) {
+    return faultOf(TStoreErrorKind::DataSource, [&] { keys(query); });
+  };
+  EXPECT_EQ(none("WHILE RowFilter(!=, 'binary:ac') AND PrefixFilter('b')"),
             "Unable to retrieve rows from HBase table " + table);
+  EXPECT_EQ(keys("WHILE RowFilter(!=, 'binary:b2')", {2, 2, 1, 2}), "ac b1 ");
+  EXPECT_EQ(keys("ColumnCountGetFilter(2)", {1, 1, 0, {}}), keys("ColumnCountGetFilter(2)"));
 }
 
 TEST_P(HBase, AFilterThatTheServerRefusesIsExplained) {
@@ -209,15 +291,79 @@ TEST_P(HBase, AFilterThatTheServerRefusesIsExplained) {
                   "text in ' "
                   "at character 13."),
         std::pair("MyFilter('x')", "The server does not know the filter MyFilter."),
-        std::pair("PageFilter('x')", "The server refused it without giving a reason: PageFilter('x')")}) {
+        std::pair("PageFilter('x')", "Argument 1 of PageFilter is not a number from 0 at character 12."),
+        std::pair("RowFilter(=, 'regexstring:[')",
+                  "The server refused it without giving a reason: RowFilter(=, 'regexstring:[')")}) {
     EXPECT_EQ(faultOf(TStoreErrorKind::DataSource, [&] { keys(query); }),
               std::string("Invalid filter expression. ") + fault);
     EXPECT_EQ(
         faultOf(TStoreErrorKind::DataSource, [&] { connector->count(options(), hbaseSource(table, query)); }),
         std::string("Invalid filter expression. ") + fault);
-    if (!GetParam()) break;
   }
   EXPECT_EQ(keys(), "r101 ");
+}
+
+/// What we say of a filter's arguments is what the server thinks of them.
+TEST_P(HBase, ArgumentsAreCheckedAsAServerDoes) {
+  if (!GetParam()) return;  // the stand-in has few filters
+  fillNumbered(1);
+  THBaseClient client(thriftOptions(options(), "HBase", 9090));
+  for (const char* text : {"KeyOnlyFilter()",
+                           "KeyOnlyFilter(true)",
+                           "KeyOnlyFilter('x', true)",
+                           "FirstKeyOnlyFilter()",
+                           "FirstKeyOnlyFilter(1)",
+                           "PrefixFilter('a')",
+                           "PrefixFilter(1)",
+                           "PrefixFilter()",
+                           "PrefixFilter('a', 'b')",
+                           "ColumnPrefixFilter('a')",
+                           "ColumnPrefixFilter(true)",
+                           "MultipleColumnPrefixFilter('a', 'b', 'c')",
+                           "MultipleColumnPrefixFilter('a', 1)",
+                           "ColumnCountGetFilter(1)",
+                           "ColumnCountGetFilter('1')",
+                           "ColumnCountGetFilter(-1)",
+                           "PageFilter(1)",
+                           "PageFilter(true)",
+                           "PageFilter(-1)",
+                           "ColumnPaginationFilter(1, 0)",
+                           "ColumnPaginationFilter(1)",
+                           "ColumnPaginationFilter(1, -1)",
+                           "InclusiveStopFilter('a')",
+                           "InclusiveStopFilter(1)",
+                           "TimestampsFilter(1, 2)",
+                           "TimestampsFilter(-1)",
+                           "TimestampsFilter('1')",
+                           "RowFilter(=, 'binary:a')",
+                           "RowFilter('a', 'binary:a')",
+                           "FamilyFilter(=, 'binary:a')",
+                           "QualifierFilter(=, 'binary:a', true)",
+                           "ValueFilter(=)",
+                           "DependentColumnFilter('cf', 'a')",
+                           "DependentColumnFilter('cf', 'a', true)",
+                           "DependentColumnFilter('cf', 'a', true, =)",
+                           "DependentColumnFilter('cf', 'a', FALSE, =, 'binary:a')",
+                           "DependentColumnFilter('cf', 'a', 'true', =, 'binary:a')",
+                           "ColumnRangeFilter('a', true, 'b', False)",
+                           "ColumnRangeFilter('a', 'true', 'b', false)",
+                           "ColumnRangeFilter('a', true, 'b')",
+                           "SingleColumnValueFilter('cf', 'a', =, 'binary:1')",
+                           "SingleColumnValueFilter('cf', 'a', =, 'binary:1', true)",
+                           "SingleColumnValueFilter('cf', 'a', =, 'binary:1', true, false)",
+                           "SingleColumnValueExcludeFilter('cf', 'a', =, 'binary:1', 1, 0)",
+                           "ColumnValueFilter('cf', 'a', =, 'binary:1')",
+                           "ColumnValueFilter('cf', 'a', =, 'binary:1', true)"}) {
+    bool taken = true;
+    try {
+      std::vector<THBaseRow> rows;
+      const THBaseScanner scanner = client.openScanner({table, text, "", "", true}, 1);
+      client.closeScanner(scanner);
+    } catch (const THBaseFault&) {
+      taken = false;
+    }
+    EXPECT_EQ(filterFault(text).empty(), taken) << text << ": " << filterFault(text);
+  }
 }
 
 TEST_P(HBase, NestedQueriesTakeTheParentsValues) {
@@ -244,6 +390,8 @@ TEST_P(HBase, NestedQueriesTakeTheParentsValues) {
   EXPECT_EQ(nested("SingleColumnValueFilter('cf','dept',=,'regexstring:^:\"ID\"$')", TObject{{"ID", "a.*"}}),
             "c3 ");
   EXPECT_EQ(nested("", TObject(), 2), "a'1 b2 ");
+  EXPECT_EQ(nested("PrefixFilter(:K)", TObject{{"K", nullptr}}), "");
+  EXPECT_EQ(nested("PrefixFilter(:K) OR RowFilter(=, :id)", TObject{{"K", ""}, {"id", "b2"}}), "b2 ");
   EXPECT_EQ(faultOf(TStoreErrorKind::Read,
                     [&] {
                       nested(byDept, TObject{{"no", 5}});
@@ -483,36 +631,31 @@ TEST(HBaseStandIn, SharesReadNothingTwiceThatWasCounted) {
   options.fetchLimit = 1000;
   const auto connector = makeHBaseConnector();
   TDataSource source = hbaseSource("t");
+  source.notes = connector->makeNotes();
   source.count = connector->count(options, source);
   EXPECT_EQ(source.count, rows);
-  const auto readShare = [&](const TStoreConnector& from, const TShare& share) {
+  const auto readShare = [&](const TShare& share) {
     const std::uint64_t before = server.tables().rowsGiven();
-    const auto reader = from.connectSource(options);
+    const auto reader = connector->connectSource(options);
     reader->openRoot(source, share);
     int found = 0;
     while (reader->next()) ++found;
     EXPECT_EQ(found, share.rows);
     return server.tables().rowsGiven() - before - static_cast<std::uint64_t>(found);
   };
-  EXPECT_EQ(readShare(*connector, {3, 3, 10'001, 1999}), 2U) << "from the mark at 10,000";
-  EXPECT_EQ(readShare(*makeHBaseConnector(), {3, 3, 10'001, 1999}), 10'002U) << "keys alone, nothing known";
-}
-
-std::string filterFault(const std::string& text) {
-  try {
-    parseHBaseFilter(text);
-  } catch (const THBaseFilterError& error) {
-    return error.what();
-  }
-  return {};
+  EXPECT_EQ(readShare({3, 3, 10'001, 1999}), 2U) << "from the mark at 10,000";
+  EXPECT_EQ(readShare({2, 3, 5'002, 4'999}), 3U) << "from the mark at 5,000; its end is known";
+  source.notes.reset();
+  EXPECT_EQ(readShare({3, 3, 10'001, 1999}), 10'002U) << "keys alone, nothing known";
 }
 
 TEST(HBaseFilterText, FindsWhatAServerRefuses) {
-  for (const char* good : {"KeyOnlyFilter()", "KeyOnlyFilter ( )", "PrefixFilter('it''s')",
-                           "SKIP ValueFilter(!=, 'binary:0')", "WHILE (KeyOnlyFilter())",
-                           "(RowFilter(=, 'binary:Row 1') AND TimestampsFilter(74689, -5)) OR "
-                           "ColumnRangeFilter('abc', true, 'xyz', FALSE)",
-                           "DependentColumnFilter('a','b',true,<=,'binaryprefix:x')", "Own.Filter_1('a')"})
+  for (const char* good :
+       {"KeyOnlyFilter()", "KeyOnlyFilter ( )", "PrefixFilter('it''s')", "SKIP ValueFilter(!=, 'binary:0')",
+        "WHILE (KeyOnlyFilter())",
+        "(RowFilter(=, 'binary:Row 1') AND TimestampsFilter(74689, 5)) OR "
+        "ColumnRangeFilter('abc', true, 'xyz', FALSE)",
+        "DependentColumnFilter('a','b',true,<=,'binaryprefix:x')", "Own.Filter_1('a', -1)"})
     EXPECT_EQ(filterFault(good), "") << good;
   for (const auto& [bad, fault] :
        {std::pair("KeyOnlyFilter() and KeyOnlyFilter()",
@@ -529,6 +672,14 @@ TEST(HBaseFilterText, FindsWhatAServerRefuses) {
         std::pair("RowFilter(=, 'a')",
                   "What is compared with must be a text such as 'binary:value' (binary, binaryprefix, "
                   "regexstring, substring) at character 14."),
+        std::pair("KeyOnlyFilter() AND ColumnRangeFilter('a', true, 'b')",
+                  "ColumnRangeFilter has 3 arguments instead of 4 at character 21."),
+        std::pair("DependentColumnFilter('a')",
+                  "DependentColumnFilter has 1 arguments instead of 2, 3 or 5 at character 1."),
+        std::pair(
+            "SingleColumnValueFilter('a', 'b', 'c', 'd')",
+            "Argument 3 of SingleColumnValueFilter is not a comparison (<, <=, =, !=, >, >=) at character "
+            "35."),
         std::pair("RowFilter(<, 'substring:a')",
                   "\"<\" cannot compare with substring (only = and != can) at character 14."),
         std::pair("PrefixFilter('a)", "The text that begins with a ' does not end at character 14."),
@@ -549,9 +700,35 @@ TEST(HBaseFilterText, FindsWhatAServerRefuses) {
 }
 
 TEST(HBaseFilterText, BearsAnyDepth) {
-  const std::string open(100'000, '(');
-  EXPECT_EQ(filterFault(open + "KeyOnlyFilter()" + std::string(100'000, ')')),
-            "The filter stands too deep in others at character 201.");
+  const auto nested = [](std::size_t depth) {
+    return std::string(depth - 1, '(') + "KeyOnlyFilter()" + std::string(depth - 1, ')');
+  };
+  EXPECT_EQ(filterFault(nested(100'000)), "The filter stands too deep in others at character 201.");
+  // One level more is added when keys alone are read.
+  THBaseStandIn server;
+  server.tables().put("t", "k", "cf:a", "1");
+  const TStoreOptions options = optionsFor(hbaseRecord(server.port()));
+  EXPECT_EQ(makeHBaseConnector()->count(options, hbaseSource("t", nested(199))), 1);
+}
+
+TEST(HBaseFilterText, IsCheckedWhileItIsWritten) {
+  const auto store = makeHBaseConnector();
+  for (const auto& [query, fault] :
+       {std::pair("", ""), std::pair(" \n", ""),
+        std::pair("PrefixFilter(:cf:ID) and RowFilter(=, :\"a 'b\") AND PageFilter(:n)", ""),
+        std::pair("ColumnRangeFilter(':a', :b, 'x-:\"c\"', true)", ""),
+        std::pair("\n PrefixFilter(:)",
+                  "Invalid filter expression. A parameter's name is missing at character 16."),
+        std::pair(
+            "RowFilter(:o, 'binary:x')",
+            "Invalid filter expression. Argument 1 of RowFilter is not a comparison (<, <=, =, !=, >, >=) at "
+            "character 11."),
+        std::pair(
+            "\n\tPageFilter('x')",
+            "Invalid filter expression. Argument 1 of PageFilter is not a number from 0 at character 14.")})
+    EXPECT_EQ(store->checkQuery(TObject{{"table", "t"}, {"query", query}}), fault) << query;
+  EXPECT_EQ(store->checkQuery(TObject{{"table", "t"}}), "");
+  EXPECT_EQ(store->checkQuery(TValue("text")), "");
 }
 
 TEST(HBaseFilterText, LimitsTheKeysToBeLookedAt) {
@@ -564,13 +741,23 @@ TEST(HBaseFilterText, LimitsTheKeysToBeLookedAt) {
   EXPECT_EQ(limits("PrefixFilter('\xFF')"), "\xFF ");
   EXPECT_EQ(limits("RowFilter(=, 'binary:k') AND KeyOnlyFilter()"), std::string("k k\0", 4));
   EXPECT_EQ(limits("PrefixFilter('b') AND PrefixFilter('bb')"), "bb bc");
-  for (const char* open : {"PrefixFilter('a') OR PrefixFilter('b')", "RowFilter(!=, 'binary:k')",
-                           "SKIP PrefixFilter('a')", "RowFilter(=, 'substring:k')"})
+  for (const char* open :
+       {"PrefixFilter('a') OR PrefixFilter('b')", "RowFilter(!=, 'binary:k')", "SKIP PrefixFilter('a')",
+        "RowFilter(=, 'substring:k')", "WHILE KeyOnlyFilter() AND PrefixFilter('a')",
+        "Own() AND PrefixFilter('a')", "PrefixFilter('a') AND (ColumnCountGetFilter(1) OR KeyOnlyFilter())"})
     EXPECT_EQ(limits(open), " ") << open;
+  EXPECT_EQ(limits("PageFilter(1) AND PrefixFilter('a')"), "a b");
+  EXPECT_EQ(limits("RowFilter(=, 'binary:')"), std::string("\0 \0", 3)) << "no row has an empty key";
+  for (const auto& [text, alone] :
+       {std::pair("PageFilter(1)", false), std::pair("KeyOnlyFilter() OR WHILE KeyOnlyFilter()", false),
+        std::pair("SKIP ColumnCountGetFilter(1)", false), std::pair("Own()", false),
+        std::pair("SKIP ValueFilter(=, 'binary:a') OR InclusiveStopFilter('b')", true)})
+    EXPECT_EQ(judgesRowsAlone(parseHBaseFilter(text)), alone) << text;
 }
 
 TEST(HBaseFilterText, ParametersCannotBreakOut) {
-  const TObject parent{{"id", "a'b"}, {"N", 5}, {"cf:x", "c"}, {"odd name", "(d)"}, {"nul", nullptr}};
+  const TObject parent{{"id", "a'b"},    {"N", 5},      {"cf:x", "c"}, {"odd name", "(d)"},
+                       {"nul", nullptr}, {"none)", ""}, {"yes", true}, {"t", "TRUE"}};
   for (const auto& [text, bound] :
        {std::pair("PrefixFilter(:ID)", "PrefixFilter('a''b')"),
         std::pair("PrefixFilter(':id')", "PrefixFilter('a''b')"),
@@ -582,8 +769,58 @@ TEST(HBaseFilterText, ParametersCannotBreakOut) {
         std::pair("RowFilter(=, 'binary:k-:\"odd name\"-:\"n\"')", "RowFilter(=, 'binary:k-(d)-5')"),
         std::pair("RowFilter(=, 'regexstring::\"odd name\"')", "RowFilter(=, 'regexstring:\\(d\\)')"),
         std::pair("RowFilter(=, 'binary::nul')", "RowFilter(=, 'binary:')"),
+        std::pair("ColumnRangeFilter(:n, :yes, :t, :T)", "ColumnRangeFilter('5', true, 'TRUE', TRUE)"),
+        std::pair("ColumnRangeFilter(:n, :id, :t, false)", "ColumnRangeFilter('5', 'a''b', 'TRUE', false)"),
+        // Each of these would let every row pass.
+        std::pair("PrefixFilter(:nul)", "RowFilter(=, 'binary:')"),
+        std::pair("(KeyOnlyFilter() OR PrefixFilter ( ':\"none)\"' )) AND PageFilter(:n)",
+                  "(KeyOnlyFilter() OR RowFilter(=, 'binary:')) AND PageFilter(5)"),
+        std::pair("SingleColumnValueFilter('a', 'b)', =, 'substring::nul', true, true)",
+                  "RowFilter(=, 'binary:')"),
+        std::pair("MultipleColumnPrefixFilter(:n, :nul, 'x')", "RowFilter(=, 'binary:')"),
+        std::pair("PrefixFilter('c-:\"nul\"')", "PrefixFilter('c-')"),
         std::pair("PrefixFilter('it''s :\"n\"')", "PrefixFilter('it''s 5')")})
     EXPECT_EQ(bindHBaseFilter(text, parent), bound) << text;
+}
+
+/// A table of four regions, read whole, in shares, and over a pause in which the server forgets the scanner.
+TEST(HBaseServer, RegionsAndAScannerThatExpired) {
+  const std::string table = freshTable(), port = std::to_string(sharedHBase().port());
+  makeHBaseTable(sharedHBase().port(), table, {"cf"});
+  TStoreOptions options = optionsFor(hbaseRecord(sharedHBase().port()));
+  options.fetchLimit = 7;
+  THBaseClient client(thriftOptions(options, "HBase", 9090));
+  const std::string split = HOLLOWMERE_TESTS_DIR "/servers/hbase split ";
+  ASSERT_EQ(std::system((split + port + " " + table + " r120 r121 r140").c_str()), 0);
+  std::string all;
+  for (int i = 101; i <= 160; ++i) {
+    THBaseBatch batch;
+    batch.beginRow("r" + std::to_string(i));
+    batch.put("cf:a", i % 2 == 0 ? "even" : "odd");
+    client.mutateRow(table, batch);
+    all += "r" + std::to_string(i) + " ";
+  }
+  std::string borders;
+  for (const THBaseRegion& region : client.regions(table)) borders += region.from + "-" + region.before + " ";
+  EXPECT_EQ(borders, "-r120 r120-r121 r121-r140 r140- ");
+
+  const auto connector = makeHBaseConnector();
+  TDataSource source = hbaseSource(table);
+  EXPECT_EQ(connector->count(options, hbaseSource(table, "ValueFilter(=, 'binary:odd')")), 30);
+  for (const int degree : {1, 3, 8}) {
+    source.notes = connector->makeNotes();
+    source.count = connector->count(options, source);
+    EXPECT_EQ(source.count, 60);
+    std::string found;
+    for (int number = 1; number <= degree; ++number) {
+      const std::int64_t rows = source.count / degree, start = (number - 1) * rows;
+      const auto reader = connector->connectSource(options);
+      reader->openRoot(source, {number, degree, start, number == degree ? source.count - start : rows});
+      if (degree == 1) std::this_thread::sleep_for(std::chrono::milliseconds(2000 * hbaseLeaseSeconds + 500));
+      while (const auto row = reader->next()) found += textOf(*row) + " ";
+    }
+    EXPECT_EQ(found, all);
+  }
 }
 
 /// What an independent client finds is what our writer was given.

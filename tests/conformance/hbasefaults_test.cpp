@@ -98,11 +98,16 @@ TEST_F(HBaseFaults, ReadingGoesOnBehindTheLastRow) {
     const auto [keys, fault] = read();
     EXPECT_EQ(keys, allKeys);
     EXPECT_EQ(fault, "");
+    // After a connection that the server ended, the number may be another's scanner in a new process.
+    const bool ours = loss.fault == TFault::hugeFrame || loss.fault == TFault::garbage;
+    EXPECT_EQ(server->tables().openScanners(), ours ? 0U : 1U);
+    server->tables().expireScanners();
     // One that stays makes an end, and tells how far it came.
     server->server().clearFaults();
     for (int nth = 2; nth < 20; ++nth) server->server().onCall("scannerGetList", nth, loss.fault);
     const auto [some, told] = read();
     EXPECT_EQ(some, "101 102 103 ");
+    server->tables().expireScanners();
     EXPECT_TRUE(told.ends_with(" The last row that was read has the key \"r103\".")) << told;
     EXPECT_NE(told.find("127.0.0.1:" + std::to_string(server->port())), std::string::npos) << told;
   }
@@ -124,6 +129,108 @@ TEST_F(HBaseFaults, AnExpiredScannerIsOpenedAnew) {
   EXPECT_EQ(expireBehind("ValueFilter(=, 'binary:1')"), allKeys);
   // From the middle this filter would count anew.
   EXPECT_EQ(expireBehind("PageFilter(5)"), "101 102 103 The scanner expired on the server.");
+  EXPECT_EQ(server->tables().openScanners(), 0U);
+}
+
+TEST_F(HBaseFaults, ReadingFromAServerThatGoesAndComesBack) {
+  fillRows();
+  const std::uint16_t port = server->port();
+  const auto tables = server->sharedTables();
+  const auto restart = [&] {
+    server->server().stop();
+    tables->restart();
+    server = std::make_unique<THBaseStandIn>(thriftwire::TOptions{.port = port}, tables);
+  };
+  const auto rest = [](TSourceReader& reader) {
+    std::string keys;
+    while (const auto row = reader.next()) keys += row->find("rowkey")->asText().substr(1) + " ";
+    return keys;
+  };
+  const auto nested = [](TSourceReader& reader) {
+    std::string keys;
+    reader.nested(hbaseSource("in", "PrefixFilter(:k)"), TObject{{"k", "r10"}}, [&](TObject&& row) {
+      keys += row.find("rowkey")->asText().substr(1) + " ";
+      return true;
+    });
+    return keys;
+  };
+  const auto reader = connector->connectSource(options());
+  reader->openRoot(hbaseSource("in"), {});
+  restart();
+  EXPECT_EQ(rest(*reader), allKeys);
+  EXPECT_EQ(tables->openScanners(), 0U);
+
+  // The nested query finds the new server first; there the root scan's number is another client's scan.
+  for (const char* query : {"", "PageFilter(9)"}) {
+    SCOPED_TRACE(query);
+    reader->openRoot(hbaseSource("in", query), {});
+    restart();
+    THBaseClient other(thriftOptions(options(), "HBase", 9090));
+    const THBaseScanner others = other.openScanner({"in", "", "r105", "", true}, 3);
+    EXPECT_EQ(nested(*reader), "101 102 103 104 105 106 107 108 109 ");
+    std::string keys;
+    const std::string fault = faultOf(TStoreErrorKind::DataSource, [&] { keys = rest(*reader); });
+    EXPECT_EQ(keys, *query ? "" : allKeys);
+    EXPECT_EQ(fault.find("the connection was lost, and its scan.") != std::string::npos, *query != '\0')
+        << fault;
+    std::vector<THBaseRow> rows;
+    other.nextRows(others, 3, "in", rows);
+    ASSERT_EQ(rows.size(), 3U) << "nobody closed or read it";
+    EXPECT_EQ(rows[0].key, "r105");
+    other.closeScanner(others);
+  }
+
+  // While it is away, what was read stays, and the message tells where it ended.
+  for (const char last : {'1', '2', '3', '4'}) tables->put("odd", std::string("\xFF") + last, "cf:a", "1");
+  const auto odd = connector->connectSource(options());
+  odd->openRoot(hbaseSource("odd"), {});
+  reader->openRoot(hbaseSource("in"), {});
+  server->server().stop();
+  EXPECT_EQ(faultOf(TStoreErrorKind::DataSource, [&] { rest(*reader); }),
+            "127.0.0.1:" + std::to_string(port) +
+                " refused the connection. The last row that was read has the key \"r103\".");
+  const std::string fault = faultOf(TStoreErrorKind::DataSource, [&] {
+    while (odd->next()) continue;
+  });
+  EXPECT_TRUE(fault.ends_with(" has the key \"&base64;/zM=\".")) << fault;
+}
+
+TEST_F(HBaseFaults, NestedQueriesGoOnAsTheRootDoes) {
+  fillRows();
+  const auto reader = connector->connectSource(options());
+  for (const TNamedFault& loss : losses) {
+    SCOPED_TRACE(loss.name);
+    reader->openRoot(hbaseSource("in"), {});
+    ASSERT_TRUE(reader->next());
+    int found = 0;
+    server->server().clearFaults();
+    server->server().onCall("scannerGetList", 2, loss.fault);
+    reader->nested(hbaseSource("in"), TObject(), [&](TObject&&) {
+      // Expires in the middle of both.
+      if (++found == 7) server->tables().expireScanners();
+      return true;
+    });
+    EXPECT_EQ(found, 10);
+    int rest = 0;
+    while (reader->next()) ++rest;
+    EXPECT_EQ(rest, 9);
+  }
+}
+
+TEST_F(HBaseFaults, AFilterThatLetsFewRowsPass) {
+  constexpr int rows = 600;
+  for (int i = 0; i < rows; ++i)
+    server->tables().put("in", "r" + std::to_string(1000 + i), "cf:a", i % 30 == 7 ? "hit" : "miss");
+  server->tables().setTimePerRow(std::chrono::microseconds(2000));
+  TStoreOptions made = options(0, 1);
+  made.fetchLimit = 20;
+  const TDataSource source = hbaseSource("in", "ValueFilter(=, 'binary:hit')");
+  // All twenty at once take longer than an answer may.
+  EXPECT_EQ(connector->count(made, source), 20);
+  const auto reader = connector->connectSource(made);
+  int found = 0;
+  for (reader->openRoot(source, {}); reader->next();) ++found;
+  EXPECT_EQ(found, 20);
   EXPECT_EQ(server->tables().openScanners(), 0U);
 }
 
@@ -280,12 +387,17 @@ TEST_F(HBaseFaults, AConnectionThatTheServerFoundIdle) {
 
 TEST_F(HBaseFaults, ASilentServerIsLeft) {
   fillRows();
-  server->server().onCall("scannerGetList", 2, TFault::silence);
+  // The first answer that does not come may be one that takes long.
+  for (int nth = 2; nth < 20; ++nth) server->server().onCall("scannerGetList", nth, TFault::silence);
   server->server().onCall("mutateRows", 1, TFault::halfThenSilence);
   const auto start = steady_clock::now();
   const auto [keys, fault] = read({}, 1);
   EXPECT_EQ(keys, "101 102 103 ");
-  EXPECT_NE(fault.find("did not answer within 1 second."), std::string::npos) << fault;
+  EXPECT_NE(fault.find("did not answer within 1 second. The connection can have another answer time-out. "
+                       "The last row that was read has the key \"r103\"."),
+            std::string::npos)
+      << fault;
+  EXPECT_EQ(server->tables().openScanners(), 0U);
   write(*writer(10, 1), 1, 10);
   EXPECT_EQ(sink.storedCount, 0);
   EXPECT_EQ(sink.refusals.size(), 10U);
@@ -308,6 +420,32 @@ TEST_F(HBaseFaults, StopDoesNotWaitForASilentServer) {
   EXPECT_EQ(sink.refusals.size(), 25U);
   EXPECT_NE(faultOf(TStoreErrorKind::DataSource, [&] { from->openRoot(hbaseSource("in"), {}); }), "");
   EXPECT_LT(since(start), milliseconds(2500));
+}
+
+TEST_F(HBaseFaults, StopEndsTheCountAndTheSearchForAShare) {
+  fillRows();
+  for (const bool counts : {true, false}) {
+    TStopFlag flag;
+    TStoreOptions made = options();
+    made.stop = &flag;
+    const auto from = connector->connectSource(made);
+    server->server().clearFaults();
+    server->server().onCall("scannerGetList", 2, TFault::silence);
+    std::jthread stopper([&flag] {
+      std::this_thread::sleep_for(milliseconds(100));
+      flag.set();
+    });
+    const auto start = steady_clock::now();
+    EXPECT_NE(faultOf(TStoreErrorKind::DataSource,
+                      [&] {
+                        if (counts)
+                          connector->count(made, hbaseSource("in"));
+                        else
+                          from->openRoot(hbaseSource("in"), {2, 2, 8, 2});
+                      }),
+              "");
+    EXPECT_LT(since(start), milliseconds(2500));
+  }
 }
 
 TEST_F(HBaseFaults, ConnectingTellsWhatIsWrong) {

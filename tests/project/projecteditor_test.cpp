@@ -103,6 +103,8 @@ TEST(ProjectEditor, FlatStoresTakeNoNestedTypesAndKeepTheirKeys) {
   EXPECT_EQ(editor.setType({0, 1}, "Number"), "");
   EXPECT_NE(editor.deleteNode({0, 0}), "");
   EXPECT_EQ(editor.deleteNode({0, 1}), "");
+  EXPECT_TRUE(editor.isRowKey({0, 0}, TSide::Target));
+  EXPECT_FALSE(editor.isRowKey({0, 0}, TSide::Source)) << "a field of that name in another store";
 
   TProjectEditor cassandra = makeEditor("Cassandra");
   cassandra.addDataSource();

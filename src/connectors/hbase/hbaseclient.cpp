@@ -167,17 +167,33 @@ struct THBaseClient::TLink {
 
 THBaseClient::THBaseClient(const TThriftOptions& options) : options_(options) { prove(); }
 
-THBaseClient::~THBaseClient() = default;
+THBaseClient::~THBaseClient() {
+  if (left_.empty() || stopped()) return;
+  // Worth a moment, not a minute.
+  link_.reset();
+  options_.connectTime = std::min(options_.connectTime, suspicion);
+  options_.answerTime = std::min(options_.answerTime, suspicion);
+  closeLeft();
+}
 
 THBaseClient::TLink& THBaseClient::connected() {
   if (link_) return *link_;
   try {
     link_ = std::make_unique<TLink>(options_);
+    ++connection_;
   } catch (const TThriftFault& fault) {
+    leave(false);
     const bool stopped = fault.kind() == TThriftFaultKind::Stopped;
     throw THBaseFault(stopped ? THBaseFaultKind::Stopped : THBaseFaultKind::Unreachable, fault.what());
   }
   return *link_;
+}
+
+/// Ends the connection. When the server did so, it may have gone, and its scanners with it.
+void THBaseClient::leave(bool serverIsThere) {
+  link_.reset();
+  leftAlive_ = serverIsThere;
+  if (!serverIsThere) left_.clear();
 }
 
 /// Runs a call; whatever it throws becomes a fault that says whether the connection can still be used.
@@ -196,10 +212,11 @@ auto THBaseClient::call(const char* method, const std::string& table, TCall&& ac
     // Others than these are made here, of an answer to something else.
     if (error.getType() != TApplicationException::INTERNAL_ERROR &&
         error.getType() != TApplicationException::UNKNOWN)
-      link_.reset();
+      leave(true);
     throw unnamedFault(method, table);
   } catch (const TThriftFault& fault) {
-    link_.reset();
+    leave(fault.kind() == TThriftFaultKind::TimedOut || fault.kind() == TThriftFaultKind::Oversized ||
+          fault.kind() == TThriftFaultKind::NotFramed);
     throw THBaseFault(kindOf(fault.kind()), fault.what());
   } catch (const TException& error) {
     throw unreadable(error.what());
@@ -229,7 +246,7 @@ void THBaseClient::wake() {
 }
 
 THBaseFault THBaseClient::unreadable(const std::string& why) {
-  link_.reset();
+  leave(true);
   return {THBaseFaultKind::Lost, where() + " sent an answer that cannot be read (" + why + ")."};
 }
 
@@ -276,8 +293,8 @@ void THBaseClient::prove() {
   options_ = patient;
 }
 
-std::int32_t THBaseClient::openScanner(const THBaseRange& range, std::int32_t batch) {
-  return repeatable("scannerOpen", range.table, [&](wire::HbaseClient& calls) {
+THBaseScanner THBaseClient::openScanner(const THBaseRange& range, std::int32_t batch) {
+  const std::int32_t number = repeatable("scannerOpen", range.table, [&](wire::HbaseClient& calls) {
     if (range.filter.empty() && range.from.empty() && range.before.empty())
       return calls.scannerOpen(range.table, {}, {}, noAttributes);
     wire::TScan scan;
@@ -287,25 +304,38 @@ std::int32_t THBaseClient::openScanner(const THBaseRange& range, std::int32_t ba
     scan.__set_caching(batch);
     return calls.scannerOpenWithScan(range.table, scan, noAttributes);
   });
+  const THBaseScanner scanner{number, connection_};
+  // Now that the server is known to answer.
+  closeLeft();
+  return scanner;
 }
 
-void THBaseClient::nextRows(std::int32_t scanner, std::int32_t most, const std::string& table,
+void THBaseClient::nextRows(const THBaseScanner& scanner, std::int32_t most, const std::string& table,
                             std::vector<THBaseRow>& rows) {
   rows.clear();
   std::vector<wire::TRowResult> told;
-  call("scannerGetList", table, [&](wire::HbaseClient& calls) { calls.scannerGetList(told, scanner, most); });
+  call("scannerGetList", table, [&](wire::HbaseClient& calls) {
+    // Known only in here, where there is a connection.
+    if (scanner.connection != connection_)
+      throw THBaseFault(THBaseFaultKind::NoScanner, where() + ": the connection was lost, and its scan.");
+    calls.scannerGetList(told, scanner.number, most);
+  });
   rows.reserve(told.size());
   for (wire::TRowResult& row : told) rows.push_back(rowOf(row));
 }
 
-void THBaseClient::closeScanner(std::int32_t scanner) noexcept {
-  // Not worth a new connection, nor waiting for it after a stop.
-  if (!link_) return;
-  try {
-    call("scannerClose", {}, [&](wire::HbaseClient& calls) { calls.scannerClose(scanner); });
-  } catch (const std::exception&) {
-    return;
-  }
+void THBaseClient::closeScanner(const THBaseScanner& scanner) noexcept {
+  if (scanner.connection != connection_ || (!link_ && !leftAlive_)) return;
+  left_.push_back(scanner.number);
+  if (link_) closeLeft();
+}
+
+void THBaseClient::closeLeft() noexcept {
+  for (const std::int32_t scanner : std::exchange(left_, {})) try {
+      call("scannerClose", {}, [&](wire::HbaseClient& calls) { calls.scannerClose(scanner); });
+    } catch (const THBaseFault& fault) {
+      if (!fault.answered()) return;
+    }
 }
 
 void THBaseClient::mutateRow(const std::string& table, THBaseBatch& row) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -31,6 +32,15 @@ struct THBaseRange {
   std::string filter;  ///< as it is sent
   std::string from;    ///< the first key
   std::string before;  ///< the key behind the last
+  /// Whether a pass over it can begin anew at any key. Not when its filter counts rows or ends at one.
+  bool resumable = true;
+};
+
+/// A scanner of a server. Its number belongs to the server's process, and only as long as the connection
+/// lasts is it known to be the same one.
+struct THBaseScanner {
+  std::int32_t number = 0;
+  std::uint64_t connection = 0;
 };
 
 /// A column family, with what the Thrift interface tells of it.
@@ -95,14 +105,18 @@ class THBaseClient {
 
   [[nodiscard]] std::string where() const { return options_.where(); }
   [[nodiscard]] bool stopped() const { return options_.stop && options_.stop->isSet(); }
+  /// How long an answer is waited for.
+  [[nodiscard]] std::chrono::milliseconds answerTime() const { return options_.answerTime; }
 
   // Scans. Opening checks nothing but the filter's text: what is wrong comes with the first rows.
-  std::int32_t openScanner(const THBaseRange& range, std::int32_t batch);
-  /// Up to that many next rows; none: the end.
-  void nextRows(std::int32_t scanner, std::int32_t most, const std::string& table,
+  THBaseScanner openScanner(const THBaseRange& range, std::int32_t batch);
+  /// Up to that many next rows; none: the end. NoScanner when it was opened over an earlier connection.
+  void nextRows(const THBaseScanner& scanner, std::int32_t most, const std::string& table,
                 std::vector<THBaseRow>& rows);
-  /// Faults are of no interest: the server closes what is left in the end.
-  void closeScanner(std::int32_t scanner) noexcept;
+  /// Faults are of no interest. When it was we who gave the connection up, the scanner is closed over the
+  /// next one. When the server ended it, nothing is closed: the server may be another process, in which the
+  /// number is somebody else's; it forgets scanners that nobody uses.
+  void closeScanner(const THBaseScanner& scanner) noexcept;
 
   /// One row.
   void mutateRow(const std::string& table, THBaseBatch& row);
@@ -150,9 +164,14 @@ class THBaseClient {
   THBaseFault unreadable(const std::string& why);
   THBaseFault unnamedFault(const std::string& method, const std::string& table);
   bool isMissing(const std::string& table);
+  void leave(bool serverIsThere);
+  void closeLeft() noexcept;
 
   TThriftOptions options_;
   std::unique_ptr<TLink> link_;
+  std::uint64_t connection_ = 0;    ///< how many there were
+  bool leftAlive_ = false;          ///< we ended the last one, not the server
+  std::vector<std::int32_t> left_;  ///< scanners to be closed over the next connection
 };
 
 /// By a connection record. Throws TStoreError (Connect) with that fixed text; without one, with a text that

@@ -18,7 +18,7 @@ class THBaseConnector : public TStoreConnector {
   [[nodiscard]] const TStoreTraits& traits() const override { return traits_; }
 
   std::unique_ptr<TSourceReader> connectSource(const TStoreOptions& options) const override {
-    return std::make_unique<THBaseReader>(options, marks_);
+    return std::make_unique<THBaseReader>(options);
   }
 
   std::unique_ptr<TTargetWriter> connectTarget(const TStoreOptions& options) const override {
@@ -30,12 +30,13 @@ class THBaseConnector : public TStoreConnector {
     connectHBase(options, "Unable to connect to target HBase database.");
   }
 
+  std::shared_ptr<TSourceNotes> makeNotes() const override { return std::make_shared<THBaseMarks>(); }
   std::int64_t count(const TStoreOptions& options, const TDataSource& source) const override;
+  std::string checkQuery(const TValue& definition) const override { return hbaseFilterFault(definition); }
 
  private:
   std::string dbType_ = "HBase";
   TStoreTraits traits_;
-  std::shared_ptr<THBaseMarks> marks_ = std::make_shared<THBaseMarks>();
 };
 
 /// Row by row, by their keys; some of these are kept for the threads that will read from the middle.
@@ -46,7 +47,7 @@ std::int64_t THBaseConnector::count(const TStoreOptions& options, const TDataSou
   std::int64_t count = 0;
   std::vector<std::string> keys;
   try {
-    THBaseScan scan(*client, keysOnly(std::move(range)));
+    THBaseScan scan(*client, keysOnly(std::move(range)), hbaseFetchLimit(options));
     std::vector<THBaseRow> rows;
     for (;;) {
       // Up to the next mark, so that it begins a batch.
@@ -58,7 +59,7 @@ std::int64_t THBaseConnector::count(const TStoreOptions& options, const TDataSou
   } catch (const THBaseFault& fault) {
     throw TStoreError(TStoreErrorKind::DataSource, scanFaultText(fault, query.filter));
   }
-  marks_->keep(marksName(*client, query.table, query.filter), count, std::move(keys));
+  if (const auto marks = std::dynamic_pointer_cast<THBaseMarks>(source.notes)) marks->keep(std::move(keys));
   return count;
 }
 

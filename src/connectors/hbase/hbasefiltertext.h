@@ -9,10 +9,12 @@
 namespace hollowmere {
 
 /// One argument of a filter: a text in single quotes (here without them, its doubled quotes single), or a
-/// bare word: a number, true or false, a comparison.
+/// bare word: a number, true or false, a comparison; or the parameter that will be such a thing.
 struct THBaseFilterArgument {
   std::string text;
+  std::size_t at = 0;  ///< where it begins
   bool quoted = false;
+  bool parameter = false;
 };
 
 enum class TFilterKind { Simple, And, Or, Skip, While };
@@ -32,19 +34,31 @@ class THBaseFilterError : public std::runtime_error {
 };
 
 /// Reads a filter as a server's parser does; the text is not empty. A server that refuses one does not say
-/// why. Names of filters are not checked, since a server may have some of its own.
+/// why. Filters with names that HBase does not bring along may be a server's own: they are taken as they are.
 /// Source: the filter language's chapter of HBase's reference guide, and its ParseFilter class.
 /// Throws THBaseFilterError.
-THBaseFilter parseHBaseFilter(std::string_view text);
+enum class TFilterParameters { Refused, Allowed };  ///< as :name in the place of an argument
+THBaseFilter parseHBaseFilter(std::string_view text,
+                              TFilterParameters parameters = TFilterParameters::Refused);
+
+/// Behind the parameter (:name or :"name") whose colon stands there; there itself when it is none.
+std::size_t parameterEnd(std::string_view text, std::size_t colon);
 
 /// The first filter in it that HBase does not bring along; empty when there is none.
 std::string unknownFilterName(const THBaseFilter& filter);
 
-/// Whether a filter of that name is part of it.
-bool holdsFilter(const THBaseFilter& filter, std::string_view name);
+/// Whether a value may stand without quotes as that argument, from 0, of a filter: a number or a truth value
+/// where it takes one.
+bool takesBare(std::string_view filter, std::size_t index, std::string_view value);
+
+/// Whether it says of each row the same, whatever rows came before. Not so: WHILE, ColumnCountGetFilter and
+/// PageFilter, and filters of a server's own, of which nothing is known.
+enum class TPages { Refused, Allowed };  ///< what is said of a PageFilter
+bool judgesRowsAlone(const THBaseFilter& filter, TPages pages = TPages::Refused);
 
 /// The keys to which an expression limits its rows, so that a scan need not look at others: that of an exact
-/// or a beginning row key, alone or joined by AND. The texts are as in THBaseRange.
+/// or a beginning row key, alone or joined by AND. The texts are as in THBaseRange. None for a filter that
+/// must see the rows before, too.
 struct THBaseKeyLimits {
   std::string from;
   std::string before;

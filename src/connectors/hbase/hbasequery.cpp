@@ -9,18 +9,6 @@ namespace {
 
 constexpr char invalidFilter[] = "Invalid filter expression.";
 
-bool startsName(char c) { return c == '_' || c == '$' || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-bool continuesName(char c) { return startsName(c) || c == '.' || c == '#' || (c >= '0' && c <= '9'); }
-
-/// Behind the name that begins there. A colon belongs to it when more of the name follows.
-std::size_t nameEnd(std::string_view text, std::size_t at) {
-  if (at >= text.size() || !startsName(text[at])) return at;
-  while (at < text.size() && (continuesName(text[at]) ||
-                              (text[at] == ':' && at + 1 < text.size() && continuesName(text[at + 1]))))
-    ++at;
-  return at;
-}
-
 std::string doubled(std::string_view text) {
   std::string out;
   for (const char c : text) {
@@ -59,21 +47,30 @@ class TFilterBinder {
  private:
   void pass(char c) {
     if (c == ',') beforeComma_ = last_;
+    if (c == ',') ++argument_;
+    if (c == '(') {
+      filterAt_ = wordBegin();
+      filter_ = out_.substr(filterAt_, out_.find_last_not_of(' ') + 1 - filterAt_);
+      argument_ = 0;
+    }
     if (c != ' ') last_ = c;
     out_ += c;
     ++at_;
   }
 
+  /// Of the word at the end.
+  [[nodiscard]] std::size_t wordBegin() const {
+    const std::size_t end = out_.find_last_not_of(' ');
+    const std::size_t before = out_.find_last_of(" (", end);
+    return end == std::string::npos ? out_.size() : before == std::string::npos ? 0 : before + 1;
+  }
+
   /// The name of the parameter whose colon stands there, and where it ends; empty when there is none.
   [[nodiscard]] std::string nameAt(std::size_t colon, std::size_t& end) const {
-    if (colon + 1 < text_.size() && text_[colon + 1] == '"') {
-      const std::size_t close = text_.find('"', colon + 2);
-      if (close == std::string_view::npos) return {};
-      end = close + 1;
-      return std::string(text_.substr(colon + 2, close - colon - 2));
-    }
-    end = nameEnd(text_, colon + 1);
-    return std::string(text_.substr(colon + 1, end - colon - 1));
+    end = parameterEnd(text_, colon);
+    if (end == colon) return {};
+    const std::string_view name = text_.substr(colon + 1, end - colon - 1);
+    return std::string(name.front() == '"' ? name.substr(1, name.size() - 2) : name);
   }
 
   [[nodiscard]] std::string valueOf(const std::string& name) const {
@@ -98,35 +95,33 @@ class TFilterBinder {
         last_ == ',' && std::string_view("<>=").find(beforeComma_) != std::string_view::npos;
     if (compared)
       out_ += "'binary:" + doubled(value) + "'";
-    else if (takesNumber())
-      out_ += value.find_first_not_of("-0123456789") == std::string::npos && !value.empty()
-                  ? value
-                  : "'" + doubled(value) + "'";
+    else if (takesBare(filter_, argument_, value))
+      out_ += value;
+    else if (value.empty() && looksForBeginning())
+      return matchNothing();
     else
       out_ += "'" + doubled(value) + "'";
     last_ = '\'';
   }
 
-  /// Whether the filter whose arguments these are takes numbers only.
-  [[nodiscard]] bool takesNumber() const {
-    const std::size_t open = out_.rfind('(');
-    const std::string_view before = std::string_view(out_).substr(0, open == std::string::npos ? 0 : open);
-    for (const std::string_view name :
-         {"PageFilter", "ColumnCountGetFilter", "ColumnPaginationFilter", "TimestampsFilter"})
-      if (before.ends_with(name)) return true;
-    return false;
+  [[nodiscard]] bool looksForBeginning() const { return filter_.ends_with("PrefixFilter"); }
+
+  /// Puts a filter that no row passes into the place of the one whose argument stands here.
+  void matchNothing() {
+    while (at_ < text_.size() && text_[at_] != ')') at_ = text_[at_] == '\'' ? closingQuote() + 1 : at_ + 1;
+    out_.resize(filterAt_);
+    out_ += "RowFilter(=, 'binary:'";
   }
 
   void bindQuoted() {
     const std::size_t close = closingQuote();
     const std::size_t begin = at_ + 1;
     std::size_t from = begin;
-    bool regex = false;
-    for (const std::string_view type : {"binary:", "binaryprefix:", "regexstring:", "substring:"})
-      if (text_.substr(begin, close - begin).starts_with(type)) {
-        from = begin + type.size();
-        regex = type == "regexstring:";
-      }
+    std::string_view type;
+    for (const std::string_view one : {"binary:", "binaryprefix:", "regexstring:", "substring:"})
+      if (text_.substr(begin, close - begin).starts_with(one)) type = one;
+    from += type.size();
+    const bool anyPasses = type.empty() ? looksForBeginning() : type != "binary:";
     out_ += text_.substr(at_, from - at_);
     for (at_ = from; at_ < close;) {
       std::size_t end = at_;
@@ -134,7 +129,11 @@ class TFilterBinder {
       const bool whole = at_ == from && end == close;
       if (!name.empty() && end <= close && (whole || text_[at_ + 1] == '"')) {
         const std::string value = valueOf(name);
-        out_ += doubled(regex ? escapedForRegex(value) : value);
+        if (whole && value.empty() && anyPasses) {
+          at_ = close + 1;
+          return matchNothing();
+        }
+        out_ += doubled(type == "regexstring:" ? escapedForRegex(value) : value);
         at_ = end;
       } else {
         out_ += text_[at_++];
@@ -158,8 +157,11 @@ class TFilterBinder {
   const TObject& parent_;
   std::string out_;
   std::size_t at_ = 0;
-  char last_ = ' ';         ///< the last sign that was no blank
-  char beforeComma_ = ' ';  ///< the one before it, when it is a comma
+  std::size_t filterAt_ = 0;  ///< of the filter whose arguments are bound
+  std::string filter_;        ///< its name
+  std::size_t argument_ = 0;  ///< the one that stands here, from 0
+  char last_ = ' ';           ///< the last sign that was no blank
+  char beforeComma_ = ' ';    ///< the one before it, when it is a comma
 };
 
 }  // namespace
@@ -175,13 +177,28 @@ std::string bindHBaseFilter(std::string_view filter, const TObject& parent) {
 }
 
 THBaseRange hbaseRange(const std::string& table, const std::string& filter, TStoreErrorKind kind) {
-  if (filter.empty()) return {table, {}, {}, {}};
+  if (filter.empty()) return {table, {}, {}, {}, true};
   try {
-    const THBaseKeyLimits limits = keyLimits(parseHBaseFilter(filter));
-    return {table, filter, limits.from, limits.before};
+    const THBaseFilter parsed = parseHBaseFilter(filter);
+    const THBaseKeyLimits limits = keyLimits(parsed);
+    return {table, filter, limits.from, limits.before, judgesRowsAlone(parsed)};
   } catch (const THBaseFilterError& error) {
     throw TStoreError(kind, invalidFilter, error.what());
   }
+}
+
+std::string hbaseFilterFault(const TValue& definition) {
+  const TValue* query = definition.is(TKind::Object) ? definition.asObject().find("query") : nullptr;
+  const std::string trimmed = trimmedMember(definition, "query");
+  if (!query || trimmed.empty()) return {};
+  // The blanks before it count, so that the place is that of the text as it was written.
+  const std::string before(query->asText().find(trimmed), ' ');
+  try {
+    parseHBaseFilter(before + NormalizeHBaseFilter(trimmed), TFilterParameters::Allowed);
+  } catch (const THBaseFilterError& error) {
+    return std::string(invalidFilter) + " " + error.what();
+  }
+  return {};
 }
 
 std::string refusedFilterText(const std::string& filter) {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "connectors/hbase/hbasekeys.h"
+#include "connectors/hbase/hbasemarks.h"
 #include "connectors/hbase/hbaserow.h"
 #include "json/json.h"
 
@@ -11,20 +13,22 @@ namespace {
 
 constexpr std::int64_t usualBatch = 100;
 
-/// Keys alone are small.
-constexpr std::int64_t keyBatch = THBaseMarks::stride;
+/// As it stands in documents.
+std::string keyText(const std::string& key) {
+  return toJson(*rowDocument({key, {}}).find(rowKeyName), TTextForm::Markers);
+}
 
 }  // namespace
 
-THBaseReader::THBaseReader(const TStoreOptions& options, std::shared_ptr<const THBaseMarks> marks)
+THBaseReader::THBaseReader(const TStoreOptions& options)
     : client_(connectHBase(options, "Unable to connect to source HBase database.")),
-      marks_(std::move(marks)),
-      fetchLimit_(options.fetchLimit > 0 ? options.fetchLimit : usualBatch) {}
+      remark_(options.remark),
+      fetchLimit_(hbaseFetchLimit(options)) {}
 
 void THBaseReader::fail(const THBaseFault& fault) const {
   std::string text = scanFaultText(fault, filter_);
   if (scan_ && !scan_->lastKey().empty() && !fault.answered())
-    text += " The last row that was read has the key " + toJson(TValue(scan_->lastKey())) + ".";
+    text += " The last row that was read has the key " + keyText(scan_->lastKey()) + ".";
   throw TStoreError(TStoreErrorKind::DataSource, text);
 }
 
@@ -33,50 +37,65 @@ void THBaseReader::openRoot(const TDataSource& source, const TShare& share) {
   rows_.clear();
   at_ = 0;
   scan_.reset();
+  left_.reset();
   filter_ = query.filter;
   THBaseRange range = hbaseRange(query.table, query.filter, TStoreErrorKind::DataSource);
-  const std::int64_t start = share.degree > 1 ? share.start : 0;
-  left_ = share.degree > 1 ? share.rows : std::nullopt;
+  const bool parted = share.degree > 1 && range.resumable;
   try {
-    const bool there = start > 0 && canBeginAnywhere(range) && beginAt(range, start, source.count);
-    scan_.emplace(*client_, std::move(range));
-    if (start > 0 && !there) passOver(start);
+    if (parted) limitTo(share, source, range);
+    scan_.emplace(*client_, std::move(range), fetchLimit_);
+    if (share.degree > 1 && !parted) passTo(share);
     fetch();
   } catch (const THBaseFault& fault) {
     fail(fault);
   }
-  if (rows_.empty())
-    throw TStoreError(TStoreErrorKind::DataSource, "Unable to retrieve rows from HBase table " + query.table);
+  if (!rows_.empty()) return;
+  const std::string none = "Unable to retrieve rows from HBase table " + query.table;
+  // The rows of one part may be gone while the others' are there.
+  if (!parted) throw TStoreError(TStoreErrorKind::DataSource, none);
+  if (remark_) remark_(none);
 }
 
-/// Makes the range begin at a row by looking through the keys before it; only what stands before the
-/// nearest mark is not even looked at.
-bool THBaseReader::beginAt(THBaseRange& range, std::int64_t start, std::int64_t count) {
+/// The last share has no end, so that rows that are added there meanwhile belong to it.
+bool THBaseReader::hasEnd(const TShare& share) { return share.number < share.degree && share.rows; }
+
+/// Limits a range to the share's part of it.
+void THBaseReader::limitTo(const TShare& share, const TDataSource& source, THBaseRange& range) {
+  const auto counted = std::dynamic_pointer_cast<THBaseMarks>(source.notes);
+  const auto marks = counted ? counted : std::make_shared<THBaseMarks>();
+  const THBaseRange whole = range;
+  if (share.start > 0) range.from = borderAt(*marks, whole, share.start);
+  if (hasEnd(share)) range.before = borderAt(*marks, whole, share.start + *share.rows);
+}
+
+/// The key of the row with that number. It is looked for among the keys from the nearest mark on; what
+/// stands before is not looked at.
+std::string THBaseReader::borderAt(THBaseMarks& marks, const THBaseRange& range, std::int64_t row) {
+  if (const auto known = marks.border(row)) return *known;
   THBaseRange keys = keysOnly(range);
-  const std::string name = marksName(*client_, range.table, range.filter);
   std::int64_t at = 0;
-  if (const auto mark = marks_->before(name, count, start)) {
+  if (auto mark = marks.before(row)) {
     at = mark->row;
-    keys.from = mark->key;
+    keys.from = std::move(mark->key);
   }
-  THBaseScan scan(*client_, std::move(keys));
+  std::string found = keys.from;
+  THBaseScan scan(*client_, std::move(keys), fetchLimit_);
   std::vector<THBaseRow> rows;
-  while (at <= start) {
-    scan.next(std::min(keyBatch, start + 1 - at), rows);
-    // The end comes before the row: the scan itself will find nothing.
-    if (rows.empty()) return false;
+  while (at <= row) {
+    scan.next(std::min(THBaseMarks::stride, row + 1 - at), rows);
+    // There are no longer so many: the border stands behind them all.
+    if (rows.empty()) return marks.settle(row, scan.lastKey().empty() ? found : keyBehind(scan.lastKey()));
     at += static_cast<std::int64_t>(rows.size());
   }
-  range.from = scan.lastKey();
-  return true;
+  return marks.settle(row, scan.lastKey());
 }
 
 /// For a filter that counts rows there is no other way than to read them and throw them away.
-void THBaseReader::passOver(std::int64_t rows) {
-  while (rows > 0) {
+void THBaseReader::passTo(const TShare& share) {
+  if (hasEnd(share)) left_ = share.rows;
+  for (std::int64_t rows = share.start; rows > 0; rows -= static_cast<std::int64_t>(rows_.size())) {
     scan_->next(std::min(rows, fetchLimit_), rows_);
     if (rows_.empty()) return;
-    rows -= static_cast<std::int64_t>(rows_.size());
   }
 }
 
@@ -109,7 +128,7 @@ std::string THBaseReader::rowText() {
 void THBaseReader::nested(const TDataSource& source, const TObject& parent, const TRowSink& row) {
   const THBaseQuery query(source, TStoreErrorKind::Read);
   const std::string filter = bindHBaseFilter(query.filter, parent);
-  THBaseScan scan(*client_, hbaseRange(query.table, filter, TStoreErrorKind::Read));
+  THBaseScan scan(*client_, hbaseRange(query.table, filter, TStoreErrorKind::Read), fetchLimit_);
   std::vector<THBaseRow> rows;
   try {
     for (;;) {
@@ -123,13 +142,14 @@ void THBaseReader::nested(const TDataSource& source, const TObject& parent, cons
   }
 }
 
-std::string marksName(const THBaseClient& client, const std::string& table, const std::string& filter) {
-  return client.where() + '\n' + table + '\n' + filter;
+std::int64_t hbaseFetchLimit(const TStoreOptions& options) {
+  return options.fetchLimit > 0 ? options.fetchLimit : usualBatch;
 }
 
 std::string scanFaultText(const THBaseFault& fault, const std::string& filter) {
-  return fault.kind() == THBaseFaultKind::Unnamed && !filter.empty() ? refusedFilterText(filter)
-                                                                     : fault.what();
+  if (fault.kind() == THBaseFaultKind::Unnamed && !filter.empty()) return refusedFilterText(filter);
+  if (fault.kind() != THBaseFaultKind::TimedOut) return fault.what();
+  return std::string(fault.what()) + " The connection can have another answer time-out.";
 }
 
 }  // namespace hollowmere

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -9,16 +10,19 @@
 
 namespace hollowmere {
 
-/// One pass over a range of a table. When its scanner expires, or the connection is lost, the pass goes on
-/// behind the last row that arrived. The scanner is closed in the end, whatever came. The client outlives it.
+/// One pass over a range of a table. When its scanner expires, the connection is lost, or an answer is too
+/// long or takes too long, the pass goes on behind the last row that arrived. The scanner is closed in the
+/// end, whatever came. The client outlives it.
 class THBaseScan {
  public:
-  THBaseScan(THBaseClient& client, THBaseRange range);
+  /// first: how many rows are asked for at once until it is seen how long and how large answers are. A
+  /// server keeps a call until it has them all, which takes its time when a filter lets few rows pass.
+  THBaseScan(THBaseClient& client, THBaseRange range, std::int64_t first);
   THBaseScan(const THBaseScan&) = delete;
   THBaseScan& operator=(const THBaseScan&) = delete;
   ~THBaseScan() { close(); }
 
-  /// Up to that many next rows, fewer when they are large; none: the end. Throws THBaseFault.
+  /// Up to that many next rows, often fewer; none: the end. Throws THBaseFault.
   void next(std::int64_t most, std::vector<THBaseRow>& rows);
   void close() noexcept;
 
@@ -27,23 +31,22 @@ class THBaseScan {
 
  private:
   void fetch(std::int32_t most, std::vector<THBaseRow>& rows);
+  bool open(std::int32_t batch);
   bool recover(const THBaseFault& fault, std::int32_t& most);
-  void limit(const std::vector<THBaseRow>& rows);
+  void pace(std::int32_t asked, const std::vector<THBaseRow>& rows);
 
   THBaseClient& client_;
   THBaseRange range_;
-  bool resumable_;
   bool ended_ = false;
-  std::optional<std::int32_t> scanner_;
+  std::optional<THBaseScanner> scanner_;
+  std::int32_t batch_ = 0;  ///< for which the scanner was opened
   std::int32_t atMost_;
+  std::chrono::nanoseconds took_{0};  ///< the last answer
   std::string lastKey_;
   int recoveries_ = 0;  ///< since the last rows arrived
 };
 
 /// The same rows with their keys and nothing else: as little as can be sent.
 THBaseRange keysOnly(THBaseRange range);
-
-/// Whether a pass can begin anew at a key: not when a filter counts the rows that it has let through.
-bool canBeginAnywhere(const THBaseRange& range);
 
 }  // namespace hollowmere

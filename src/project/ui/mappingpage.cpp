@@ -80,6 +80,14 @@ class TMappingDelegate : public QStyledItemDelegate {
     model->setData(index, box->currentText());
   }
 
+ protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    if (index.column() == TypeColumn) return;
+    const TSide side = index.column() == TargetColumn ? TSide::Target : TSide::Source;
+    if (page_.editor().isRowKey(pathOf(index), side)) option->text = text("Row Key");
+  }
+
  private:
   static TNodePath pathOf(const QModelIndex& index) {
     TNodePath path;

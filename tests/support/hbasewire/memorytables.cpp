@@ -3,6 +3,7 @@
 #include <thrift/TApplicationException.h>
 
 #include <algorithm>
+#include <thread>
 
 #include "support/hbasewire/memoryfilter.h"
 
@@ -71,6 +72,17 @@ std::size_t TMemoryTables::rowCount(const std::string& table) const {
 void TMemoryTables::expireScanners() {
   const std::lock_guard lock(mutex_);
   scanners_.clear();
+}
+
+void TMemoryTables::restart() {
+  const std::lock_guard lock(mutex_);
+  scanners_.clear();
+  nextScanner_ = 0;
+}
+
+void TMemoryTables::setTimePerRow(std::chrono::microseconds time) {
+  const std::lock_guard lock(mutex_);
+  timePerRow_ = time;
 }
 
 std::size_t TMemoryTables::openScanners() const {
@@ -237,6 +249,8 @@ void TMemoryTables::deleteAllRow(const Text& table, const Text& row,
 ScannerID TMemoryTables::scannerOpenWithScan(const Text& table, const TScan& scan,
                                              const std::map<Text, Text>& /*attributes*/) {
   const std::lock_guard lock(mutex_);
+  constexpr std::size_t longestKey = 32767;
+  if (scan.startRow.size() > longestKey || scan.stopRow.size() > longestKey) failUnnamed();
   if (scan.__isset.filterString) try {
       std::map<Text, TCell> none;
       filterRow(scan.filterString, "", none, 0);
@@ -257,13 +271,15 @@ ScannerID TMemoryTables::scannerOpen(const Text& table, const Text& startRow,
 }
 
 void TMemoryTables::scannerGetList(std::vector<TRowResult>& result, ScannerID id, std::int32_t rows) {
-  const std::lock_guard lock(mutex_);
+  std::unique_lock lock(mutex_);
   const auto found = scanners_.find(id);
   if (found == scanners_.end()) failArgument("scanner ID is invalid");
   TScanner& scanner = found->second;
   const TRows& from = findEnabled(scanner.table).rows;
   auto at = scanner.begun ? from.upper_bound(scanner.last) : from.lower_bound(scanner.scan.startRow);
+  std::chrono::microseconds time{0};
   for (; at != from.end() && static_cast<std::int32_t>(result.size()) < rows; ++at) {
+    time += timePerRow_;
     if (!scanner.scan.stopRow.empty() && at->first >= scanner.scan.stopRow) break;
     scanner.begun = true;
     scanner.last = at->first;
@@ -281,6 +297,8 @@ void TMemoryTables::scannerGetList(std::vector<TRowResult>& result, ScannerID id
     told.__set_row(at->first);
     told.__set_columns(columns);
   }
+  lock.unlock();
+  if (time.count() > 0) std::this_thread::sleep_for(time);
 }
 
 void TMemoryTables::scannerClose(ScannerID id) {

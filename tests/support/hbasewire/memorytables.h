@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <mutex>
@@ -29,8 +30,12 @@ class TMemoryTables : public HbaseNull {
   [[nodiscard]] std::size_t rowCount(const std::string& table) const;
   /// Every scanner that is open now is forgotten, as a server does after a while.
   void expireScanners();
+  /// The same, and their numbers begin anew, as in a server's new process.
+  void restart();
+  /// A row that a scan looks at takes that long.
+  void setTimePerRow(std::chrono::microseconds time);
   [[nodiscard]] std::size_t openScanners() const;
-  /// Scanners that were asked for keys alone, and how many rows all scans gave.
+  /// How many rows all scans gave.
   [[nodiscard]] std::uint64_t rowsGiven() const;
   [[nodiscard]] std::vector<TScan> scans() const;
 
@@ -86,6 +91,7 @@ class TMemoryTables : public HbaseNull {
   ScannerID nextScanner_ = 0;
   std::int64_t clock_ = 1'700'000'000'000;
   std::uint64_t rowsGiven_ = 0;
+  std::chrono::microseconds timePerRow_{0};
   std::vector<TScan> scans_;
 };
 

@@ -23,6 +23,12 @@ std::string keyOf(std::int64_t row) {
   return text;
 }
 
+/// Of the row with that key, or the next one when it is the key behind a row's.
+std::int64_t numberOf(const std::string& key, std::int64_t otherwise) {
+  if (key.size() <= 3) return otherwise;
+  return std::stoll(key.substr(3)) + (key.ends_with('\0') ? 1 : 0);
+}
+
 void fillRow(TRowResult& told, std::int64_t row, bool keysOnly) {
   told.__set_row(keyOf(row));
   static const std::vector<std::pair<std::string, std::string>> columns{
@@ -73,9 +79,8 @@ ScannerID TSink::scannerOpenWithScan(const Text& /*table*/, const TScan& scan,
   const std::lock_guard lock(mutex_);
   TScanner scanner;
   scanner.keysOnly = scan.filterString.find("KeyOnlyFilter") != std::string::npos;
-  if (scan.startRow.size() > 3) scanner.next = std::stoll(scan.startRow.substr(3));
-  // The key behind a row's.
-  if (scan.startRow.ends_with('\0')) ++scanner.next;
+  scanner.next = numberOf(scan.startRow, 0);
+  scanner.end = std::min(sourceRows_, numberOf(scan.stopRow, sourceRows_));
   scanners_[nextScanner_] = scanner;
   return nextScanner_++;
 }
@@ -93,7 +98,7 @@ void TSink::scannerGetList(std::vector<TRowResult>& result, ScannerID id, std::i
   {
     const std::lock_guard lock(mutex_);
     scanner = scanners_.at(id);
-    count = std::clamp<std::int64_t>(sourceRows_ - scanner.next, 0, rows);
+    count = std::clamp<std::int64_t>(scanner.end - scanner.next, 0, rows);
     scanners_[id].next += count;
   }
   result.resize(static_cast<std::size_t>(count));

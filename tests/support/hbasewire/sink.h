@@ -36,6 +36,7 @@ class TSink : public HbaseNull {
  private:
   struct TScanner {
     std::int64_t next = 0;
+    std::int64_t end = 0;
     bool keysOnly = false;
   };
 
