@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,7 @@
 #include "connectors/datetimetext.h"
 #include "connectors/hbase/hbasefiltertext.h"
 #include "connectors/hbase/hbasequery.h"
+#include "connectors/hbase/hbaserow.h"
 #include "connectors/jsonfile/linereader.h"
 #include "connectors/jsonquery.h"
 #include "connectors/mongodb/bsonvalue.h"
@@ -28,6 +30,7 @@
 #include "settings/cipher.h"
 #include "settings/rtftext.h"
 #include "sqlmongo/sqltomongo.h"
+#include "support/hbasewire/standin.h"
 #include "support/jsshell.h"
 #include "support/tempfolder.h"
 
@@ -223,6 +226,51 @@ void cassValueOf(std::string_view bytes) {
     }
 }
 
+/// An HBase that answers a fetch of rows with bytes of ours.
+class TOddHBase {
+ public:
+  [[nodiscard]] TThriftOptions options() const {
+    TThriftOptions made;
+    made.host = "127.0.0.1";
+    made.port = server_.port();
+    made.answerTime = std::chrono::milliseconds(50);
+    return made;
+  }
+  void answerWith(std::string_view bytes) {
+    const std::lock_guard lock(mutex_);
+    answer_ = bytes;
+  }
+
+ private:
+  std::optional<std::string> answer(const std::string& method) {
+    const std::lock_guard lock(mutex_);
+    return method == "scannerGetList" ? std::optional(answer_) : std::nullopt;
+  }
+
+  std::mutex mutex_;
+  std::string answer_;
+  hbasewire::THBaseStandIn server_{
+      {.quick = [this](const std::string& method, const std::string& /*call*/) { return answer(method); }}};
+};
+
+/// Whatever a server answers is rows, which are documents, or a fault.
+void hbase(std::string_view bytes) {
+  static TOddHBase server;
+  static THBaseClient client(server.options());
+  server.answerWith(bytes);
+  THBaseRange range;
+  range.table = "t";
+  std::vector<THBaseRow> rows;
+  try {
+    client.nextRows(client.openScanner(range, 100), 100, range.table, rows);
+    for (const THBaseRow& row : rows) {
+      const TObject document = rowDocument(row);
+      REQUIRE(document.size() == row.cells.size() + 1);
+    }
+  } catch (const THBaseFault&) {
+  }
+}
+
 void xml(std::string_view bytes) { xmlToJson(bytes); }
 
 void bson(std::string_view bytes) {
@@ -302,6 +350,9 @@ constexpr std::array table{
     TTarget{"cassvalue", cassValueOf,
             "MapType(UTF8Type,FrozenType(TupleType(IntegerType,UserType(k,61,78:DecimalType))))|"
             "\0\0\0\1\0\0\0\1a\0\0\0\6\0\0\0\2\1\0"sv},
+        "hbase", hbase,
+        "\x80\1\0\2\0\0\0\16scannerGetList\0\0\0\0\xf\0\0\xc\0\0\0\1"
+        "\xb\0\1\0\0\0\1k\xd\0\2\xb\xc\0\0\0\1\0\0\0\4cf:a\xb\0\1\0\0\0\1v\xa\0\2\0\0\0\0\0\0\0\5\0\0\0"sv},
     TTarget{"xml", xml, "<a x='1'><b>t</b><b/><![CDATA[c]]>&amp;</a>"sv},
     TTarget{"bson", bson, "\x16\0\0\0\2k\0\3\0\0\0ab\0\4l\0\5\0\0\0\0\0"sv},
     TTarget{"project", project, projectSeed},
