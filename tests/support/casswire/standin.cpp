@@ -256,7 +256,7 @@ bool TCassandraStandIn::answer(int connection, const std::string& request, TSess
       return false;
     }
   }
-  if (delay_.count() > 0) std::this_thread::sleep_for(delay_);
+  if (const auto delay = delay_.load(); delay.count() > 0) std::this_thread::sleep_for(delay);
   std::string body = out->getBufferAsString();
   if (session.fault == TFault::Silence) return true;
   if (session.fault == TFault::CloseAfterRun) return false;

@@ -50,7 +50,10 @@ class TCassandraStandIn {
 
   /// The call of a method that comes after so many others of it meets the fault, and the count - 1 behind it.
   void fail(const std::string& method, TFault fault, int after = 0, int count = 1);
-  void setPassword(std::string password) { password_ = std::move(password); }
+  void setPassword(std::string password) {
+    const std::lock_guard lock(mutex_);
+    password_ = std::move(password);
+  }
   void setDelay(std::chrono::microseconds delay) { delay_ = delay; }
   [[nodiscard]] int calls(const std::string& method) const;
   [[nodiscard]] int connections() const { return connections_; }
@@ -79,9 +82,9 @@ class TCassandraStandIn {
   std::atomic<int> listener_ = -1;
   std::uint16_t port_ = 0;
   TTables tables_;
-  std::string password_;
-  std::chrono::microseconds delay_{0};
+  std::atomic<std::chrono::microseconds> delay_{std::chrono::microseconds(0)};
   mutable std::mutex mutex_;  ///< of all below, and of tables_ while a call runs
+  std::string password_;
   std::map<std::string, std::deque<TPlanned>> faults_;
   std::map<std::string, int> calls_;
   std::map<std::int32_t, TPrepared> prepared_;
