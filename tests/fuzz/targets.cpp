@@ -350,6 +350,7 @@ constexpr std::array table{
     TTarget{"cassvalue", cassValueOf,
             "MapType(UTF8Type,FrozenType(TupleType(IntegerType,UserType(k,61,78:DecimalType))))|"
             "\0\0\0\1\0\0\0\1a\0\0\0\6\0\0\0\2\1\0"sv},
+    TTarget{
         "hbase", hbase,
         "\x80\1\0\2\0\0\0\16scannerGetList\0\0\0\0\xf\0\0\xc\0\0\0\1"
         "\xb\0\1\0\0\0\1k\xd\0\2\xb\xc\0\0\0\1\0\0\0\4cf:a\xb\0\1\0\0\0\1v\xa\0\2\0\0\0\0\0\0\0\5\0\0\0"sv},
