@@ -429,13 +429,13 @@ TEST_F(WholeRun, CheckSaysInALineWhatIsWrong) {
   };
   const auto cassandraAt = [](std::uint16_t port) { return makeCassandraPlace(port); };
   std::vector<TWrong> table;
-  table.push_back({cassandraAt(1), "", "127.0.0.1:1 refused the connection"});
+  table.push_back({cassandraAt(1), "", "refused the connection"});
   table.push_back({makeCassandraPlace(locked), "", "You must supply valid username and password"});
   table.push_back({makeCassandraPlace(locked), "ann", "Username and/or password are incorrect"});
   table.push_back({cassandraAt(unframed.port()), "", "without frames"});
   table.push_back({cassandraAt(hbase.port()), "", "method"});
   table.push_back({cassandraAt(mongo.port()), "", "closed the connection without an answer"});
-  table.push_back({makeHBasePlace(1), "", "127.0.0.1:1 refused the connection"});
+  table.push_back({makeHBasePlace(1), "", "refused the connection"});
   table.push_back({makeHBasePlace(unframed.port()), "", "framed transport"});
   table.push_back({makeHBasePlace(cassandra.port()), "", "it is not HBase's first Thrift service"});
   table.push_back({makeHBasePlace(mongo.port()), "", "closed the connection without an answer"});
