@@ -192,8 +192,9 @@ THBaseClient::TLink& THBaseClient::connected() {
 /// Ends the connection. When the server did so, it may have gone, and its scanners with it.
 void THBaseClient::leave(bool serverIsThere) {
   link_.reset();
-  leftAlive_ = serverIsThere;
-  if (!serverIsThere) left_.clear();
+  if (serverIsThere) return;
+  left_.clear();
+  sameServer_ = connection_ + 1;
 }
 
 /// Runs a call; whatever it throws becomes a fault that says whether the connection can still be used.
@@ -317,7 +318,7 @@ void THBaseClient::nextRows(const THBaseScanner& scanner, std::int32_t most, con
   call("scannerGetList", table, [&](wire::HbaseClient& calls) {
     // Known only in here, where there is a connection.
     if (scanner.connection != connection_)
-      throw THBaseFault(THBaseFaultKind::NoScanner, where() + ": the connection was lost, and its scan.");
+      throw THBaseFault(THBaseFaultKind::Lost, where() + ": the connection was lost, and its scan.");
     calls.scannerGetList(told, scanner.number, most);
   });
   rows.reserve(told.size());
@@ -325,7 +326,7 @@ void THBaseClient::nextRows(const THBaseScanner& scanner, std::int32_t most, con
 }
 
 void THBaseClient::closeScanner(const THBaseScanner& scanner) noexcept {
-  if (scanner.connection != connection_ || (!link_ && !leftAlive_)) return;
+  if (scanner.connection < sameServer_) return;
   left_.push_back(scanner.number);
   if (link_) closeLeft();
 }

@@ -110,7 +110,7 @@ class THBaseClient {
 
   // Scans. Opening checks nothing but the filter's text: what is wrong comes with the first rows.
   THBaseScanner openScanner(const THBaseRange& range, std::int32_t batch);
-  /// Up to that many next rows; none: the end. NoScanner when it was opened over an earlier connection.
+  /// Up to that many next rows; none: the end. Lost when it was opened over an earlier connection.
   void nextRows(const THBaseScanner& scanner, std::int32_t most, const std::string& table,
                 std::vector<THBaseRow>& rows);
   /// Faults are of no interest. When it was we who gave the connection up, the scanner is closed over the
@@ -170,7 +170,7 @@ class THBaseClient {
   TThriftOptions options_;
   std::unique_ptr<TLink> link_;
   std::uint64_t connection_ = 0;    ///< how many there were
-  bool leftAlive_ = false;          ///< we ended the last one, not the server
+  std::uint64_t sameServer_ = 1;    ///< from this one on it was we who ended them
   std::vector<std::int32_t> left_;  ///< scanners to be closed over the next connection
 };
 

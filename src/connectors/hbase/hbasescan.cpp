@@ -97,10 +97,7 @@ bool THBaseScan::recover(const THBaseFault& fault, std::int32_t& most) {
   // One that takes too long shall not do so several times.
   if (tooMuch) most = atMost_ = fault.kind() == THBaseFaultKind::TimedOut ? 1 : std::max(1, most / 8);
   if (again) ++recoveries_;
-  if (fault.kind() == THBaseFaultKind::NoScanner)
-    scanner_.reset();
-  else
-    close();
+  close();
   return true;
 }
 
