@@ -433,7 +433,7 @@ TEST_F(WholeRun, CheckSaysInALineWhatIsWrong) {
   table.push_back({makeCassandraPlace(locked), "", "You must supply valid username and password"});
   table.push_back({makeCassandraPlace(locked), "ann", "Username and/or password are incorrect"});
   table.push_back({cassandraAt(unframed.port()), "", "without frames"});
-  table.push_back({cassandraAt(hbase.port()), "", "method"});
+  table.push_back({cassandraAt(hbase.port()), "", "is not Cassandra's Thrift interface"});
   table.push_back({cassandraAt(mongo.port()), "", "closed the connection without an answer"});
   table.push_back({makeHBasePlace(1), "", "refused the connection"});
   table.push_back({makeHBasePlace(unframed.port()), "", "framed transport"});
@@ -450,7 +450,6 @@ TEST_F(WholeRun, CheckSaysInALineWhatIsWrong) {
     TObject& connection = (asSource ? project.source : project.target).connection.asObject();
     connection.set("user", wrong.user);
     connection.set("password", "gh0st-word");
-    connection.set("timeout", 1);
     seal();
     const TEnd end = cli({"check", projectFile});
     EXPECT_EQ(end.code, 1);

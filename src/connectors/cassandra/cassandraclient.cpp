@@ -20,6 +20,9 @@ constexpr std::array<std::string_view, 10> levels{
     "ONE", "QUORUM", "LOCAL_QUORUM", "EACH_QUORUM", "ALL", "ANY", "TWO", "THREE", "SERIAL", "LOCAL_SERIAL"};
 constexpr std::uint16_t usualPort = 9160;
 
+/// A server that is silent for so long at the beginning may have another transport.
+constexpr std::chrono::milliseconds suspicion{3000};
+
 wire::ConsistencyLevel::type wireLevel(TConsistency level) {
   return static_cast<wire::ConsistencyLevel::type>(level);
 }
@@ -156,6 +159,8 @@ auto TCassandraClient::named(const Call& call) {
   } catch (const TThriftFault&) {
     throw;
   } catch (const apache::thrift::TApplicationException& error) {
+    if (error.getType() == apache::thrift::TApplicationException::UNKNOWN_METHOD)
+      throw TCassandraError(TWhy::Refused, thrift_.where() + " is not Cassandra's Thrift interface.");
     if (isInStep(error)) throw TCassandraError(TWhy::Refused, error.what());
     throw lost(error.what());
   } catch (const apache::thrift::TException& error) {
@@ -190,6 +195,7 @@ void TCassandraClient::connect() {
          ").");
   }
   try {
+    greet();
     proveSession();
   } catch (const TThriftFault& fault) {
     fail(connectText(fault.what() + hintFor(fault, thrift_)));
@@ -199,6 +205,22 @@ void TCassandraClient::connect() {
 }
 
 /// A fault of the transport passes on as it is: connect() says more about it.
+/// A server with another transport is silent. That is found out before the whole time for an answer is over.
+void TCassandraClient::greet() {
+  connection_->link.setAnswerTime(std::min(thrift_.answerTime, suspicion));
+  try {
+    named([](TConnection& connection) {
+      std::string version;
+      connection.client.describe_version(version);
+    });
+    connection_->link.setAnswerTime(thrift_.answerTime);
+  } catch (const TThriftFault& fault) {
+    const bool slow = fault.kind() == TThriftFaultKind::TimedOut && thrift_.answerTime > suspicion;
+    if (!slow || answersUnframed(thrift_, "describe_version")) throw;
+    connection_ = std::make_unique<TConnection>(thrift_);
+  }
+}
+
 void TCassandraClient::proveSession() {
   const std::string user = trimmedMember(record_, "user");
   const std::string password = trimmedMember(record_, "password");

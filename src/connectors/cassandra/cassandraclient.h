@@ -102,6 +102,7 @@ class TCassandraClient {
  private:
   struct TConnection;
 
+  void greet();
   void proveSession();
   template <typename Call>
   auto named(const Call& call);

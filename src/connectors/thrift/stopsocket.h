@@ -30,6 +30,8 @@ class TStopSocket : public apache::thrift::transport::TVirtualTransport<TStopSoc
 
   /// The time for an answer begins anew.
   void startAnswer();
+  /// From the next answer on.
+  void setAnswerTime(std::chrono::milliseconds time) { options_.answerTime = time; }
 
  private:
   using TClock = std::chrono::steady_clock;

@@ -48,6 +48,8 @@ void TThriftLink::hold() { holding_->hold(); }
 
 void TThriftLink::release() { holding_->release(); }
 
+void TThriftLink::setAnswerTime(std::chrono::milliseconds time) { socket_->setAnswerTime(time); }
+
 std::uint64_t TThriftLink::sentBytes() const { return frames_->sentBytes(); }
 
 bool answersUnframed(const TThriftOptions& options, const std::string& method) {

@@ -34,6 +34,9 @@ class TThriftLink {
   void hold();
   void release();
 
+  /// Another time for each answer than the options say.
+  void setAnswerTime(std::chrono::milliseconds time);
+
   /// Bytes that were sent since the connection began, those held among them.
   [[nodiscard]] std::uint64_t sentBytes() const;
 
