@@ -270,6 +270,7 @@ std::string replyOf(const std::string& method, std::string_view result) {
 constexpr std::string_view manyRows("\x0f\0\0\x0c\x7f\xff\xff\xff", 8);  // list of structs, 2^31 - 1 of them
 constexpr std::string_view longText("\x0f\0\0\x0b\0\0\0\1\x7f\xff\xff\xff",
                                     12);  // list with one text of 2 GB
+constexpr std::string_view version("\x0b\0\0\0\0\0\1v\0", 9);
 constexpr std::string_view noNames("\x0f\0\0\x0b\0\0\0\0\0", 9);
 
 TEST(ThriftLink, AnswersThatClaimMoreThanTheyHoldAreRefusedBeforeMemoryIsTaken) {
@@ -278,6 +279,8 @@ TEST(ThriftLink, AnswersThatClaimMoreThanTheyHoldAreRefusedBeforeMemoryIsTaken) 
   const std::string longCassText = std::string("\x0c\0\0\x0f\0\2\x0c\0\0\0\1\x0b\0\1\x7f\xff\xff\xff", 18);
   for (const std::string& lie : {manyCassRows, longCassText}) {
     TScriptedPeer peer([&](int connection) {
+      hear(connection);
+      say(connection, replyOf("describe_version", version));
       hear(connection);
       say(connection, replyOf("execute_cql3_query", lie));
       hear(connection);

@@ -236,7 +236,8 @@ auto THBaseClient::repeatable(const char* method, const std::string& table, TCal
   try {
     return call(method, table, act);
   } catch (const THBaseFault& fault) {
-    if (!used || fault.kind() != THBaseFaultKind::Lost || stopped()) throw;
+    const bool endedByServer = fault.kind() == THBaseFaultKind::Lost && sameServer_ > connection_;
+    if (!used || !endedByServer || stopped()) throw;
   }
   return call(method, table, act);
 }
